@@ -1,0 +1,13 @@
+#ifndef CCOMBOBOX_H
+#define CCOMBOBOX_H
+
+#include <QComboBox>
+
+class CComboBox : public QComboBox
+{
+    Q_OBJECT
+public:
+    explicit CComboBox(QWidget* parent = nullptr);
+};
+
+#endif // CCOMBOBOX_H

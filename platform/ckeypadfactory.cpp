@@ -1,0 +1,121 @@
+#include "ckeypadfactory.h"
+
+#include "cpushbutton.h"
+#include "cwidgetstyle.h"
+
+#include <QDialog>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+#include <iterator>
+
+namespace {
+
+const char* const kNumericKeys[] = { "7", "8", "9", "4", "5", "6", "1", "2", "3", "-", "0", "." };
+const char* const kTextKeys[] = { "1", "2", "3", "4", "5", "6", "7", "8", "9", "0", "A", "B",
+                                  "C", "D", "E", "F", "G", "H", "I", "J", "K", "L", "M", "N",
+                                  "O", "P", "Q", "R", "S", "T", "U", "V", "W", "X", "Y", "Z",
+                                  "-", "_", ".", " " };
+
+class KeyPadDialog : public QDialog
+{
+public:
+    KeyPadDialog(const QString& title, const QString& text, int type, int min, int max,
+                 QWidget* parent)
+        : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
+    {
+        setObjectName(QStringLiteral("CKeyPad"));
+        setModal(true);
+        setStyleSheet(QStringLiteral("QDialog#CKeyPad { background-color: %1; border: 3px solid %2; }"
+                                     "QLabel { color: %3; font-weight: bold; }"
+                                     "QLineEdit { font-size: 18px; min-height: 30px; }")
+                              .arg(CWidgetStyle::getColor(CWidgetStyle::DialogBackground).name(),
+                                   CWidgetStyle::getColor(CWidgetStyle::ButtonGreen).name(),
+                                   CWidgetStyle::getColor(CWidgetStyle::TextOnDialog).name()));
+        auto* layout = new QVBoxLayout(this);
+        auto* caption = new QLabel(title, this);
+        caption->setObjectName(QStringLiteral("title"));
+        layout->addWidget(caption);
+        if (type == CKeyPadFactory::KeyPadNumeric && min < max) {
+            layout->addWidget(new QLabel(QStringLiteral("Range: %1 ~ %2").arg(min).arg(max), this));
+        }
+        m_edit = new QLineEdit(text, this);
+        if (type == CKeyPadFactory::KeyPadText && max > 0)
+            m_edit->setMaxLength(max);
+        m_edit->selectAll();
+        layout->addWidget(m_edit);
+        layout->addLayout(buildKeys(type));
+        layout->addLayout(buildActions());
+        m_edit->setFocus();
+    }
+
+    QString entry() const { return m_edit->text(); }
+
+private:
+    QGridLayout* buildKeys(int type)
+    {
+        auto* grid = new QGridLayout;
+        const bool numeric = type != CKeyPadFactory::KeyPadText;
+        const int columns = numeric ? 3 : 10;
+        const int count = numeric ? int(std::size(kNumericKeys)) : int(std::size(kTextKeys));
+        for (int i = 0; i < count; ++i) {
+            const QString key = QString::fromLatin1(numeric ? kNumericKeys[i] : kTextKeys[i]);
+            auto* button = new CPushButton(key == QLatin1String(" ") ? tr("Space") : key, this);
+            button->setStyle(CPushButton::StyleGray, true);
+            button->setFocusPolicy(Qt::NoFocus);
+            connect(button, &QPushButton::clicked, this, [this, key] { m_edit->insert(key); });
+            grid->addWidget(button, i / columns, i % columns);
+        }
+        return grid;
+    }
+
+    QHBoxLayout* buildActions()
+    {
+        auto* row = new QHBoxLayout;
+        addAction(row, tr("Back"), CPushButton::StyleOrange, [this] { m_edit->backspace(); });
+        addAction(row, tr("Clear"), CPushButton::StyleOrange, [this] { m_edit->clear(); });
+        addAction(row, tr("Cancel"), CPushButton::StyleRed, [this] { reject(); });
+        QPushButton* ok = addAction(row, tr("OK"), CPushButton::StyleGreen, [this] { accept(); });
+        ok->setDefault(true);
+        return row;
+    }
+
+    template <typename Action>
+    QPushButton* addAction(QHBoxLayout* row, const QString& caption,
+                           CPushButton::ButtonStyle style, Action action)
+    {
+        auto* button = new CPushButton(caption, this);
+        button->setObjectName(caption);
+        button->setStyle(style, false);
+        button->setFocusPolicy(Qt::NoFocus);
+        connect(button, &QPushButton::clicked, this, action);
+        row->addWidget(button);
+        return button;
+    }
+
+    QLineEdit* m_edit = nullptr;
+};
+
+} // namespace
+
+bool CKeyPadFactory::runKeyPad(const QString& title, const QString& text, int type, int min,
+                               int max, QWidget* parent, QString* entry)
+{
+    KeyPadDialog keypad(title, text, type, min, max, parent);
+    keypad.adjustSize();
+    CWidgetStyle::centerWidget(&keypad);
+    const bool accepted = keypad.exec() == QDialog::Accepted;
+    if (entry)
+        *entry = accepted ? keypad.entry() : text;
+    return accepted;
+}
+
+QString CKeyPadFactory::accessKeyPad(const QString& title, const QString& text, int type, int min,
+                                     int max, QWidget* parent)
+{
+    QString entry;
+    runKeyPad(title, text, type, min, max, parent, &entry);
+    return entry;
+}

@@ -1,0 +1,43 @@
+#include "clineedit.h"
+
+#include "ckeypadfactory.h"
+
+#include <QMouseEvent>
+
+CLineEdit::CLineEdit(QWidget* parent) : QLineEdit(parent)
+{
+    setMinimumHeight(30);
+}
+
+CLineEdit::CLineEdit(const QString& text, QWidget* parent) : QLineEdit(text, parent)
+{
+    setMinimumHeight(30);
+}
+
+void CLineEdit::setSKPType(int type) { m_keyPadType = type; }
+
+void CLineEdit::setRange(int lower, int upper)
+{
+    m_lower = lower;
+    m_upper = upper;
+}
+
+bool CLineEdit::openKeyPad()
+{
+    QString entry;
+    if (!CKeyPadFactory::runKeyPad(m_title, text(), m_keyPadType, m_lower, m_upper, this, &entry))
+        return false;
+    setText(entry);
+    emit textEdited(entry);
+    return true;
+}
+
+void CLineEdit::mousePressEvent(QMouseEvent* event)
+{
+    if (m_keyPadType < 0 || !isEnabled() || isReadOnly() || event->button() != Qt::LeftButton) {
+        QLineEdit::mousePressEvent(event);
+        return;
+    }
+    event->accept();
+    openKeyPad();
+}

@@ -1,0 +1,84 @@
+#include "cmessagebox.h"
+
+#include "cpushbutton.h"
+#include "cwidgetstyle.h"
+
+#include <QAbstractButton>
+#include <QGridLayout>
+#include <QLabel>
+
+CMessageBox::CMessageBox(QWidget* parent)
+    : QMessageBox(parent), m_textColor(CWidgetStyle::getColor(CWidgetStyle::TextOnDialog)),
+      m_titleBackground(CWidgetStyle::getColor(CWidgetStyle::PanelBackground))
+{
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
+    m_title = new QLabel(this);
+    m_title->setObjectName(QStringLiteral("title"));
+    m_title->setAlignment(Qt::AlignCenter);
+    m_title->setMinimumHeight(30);
+    if (auto* grid = qobject_cast<QGridLayout*>(layout())) {
+        // The box builds its grid from row 0; the title goes on a row above it.
+        grid->addWidget(m_title, -1, 0, 1, -1);
+    }
+    applyStyle();
+}
+
+int CMessageBox::information(QWidget* parent, const QString& title, const QString& text,
+                             StandardButtons buttons, StandardButton defaultButton)
+{
+    if (parent && parent != parentWidget())
+        setParent(parent, windowFlags());
+    setWindowTitle(title);
+    m_title->setText(title);
+    setText(text);
+    setIcon(NoIcon);
+    setStandardButtons(buttons);
+    if (defaultButton != NoButton)
+        setDefaultButton(defaultButton);
+    for (auto it = m_buttonTexts.cbegin(); it != m_buttonTexts.cend(); ++it) {
+        if (QAbstractButton* b = button(StandardButton(it.key())))
+            b->setText(it.value());
+    }
+    setWindowModality(Qt::ApplicationModal);
+    return exec();
+}
+
+void CMessageBox::setButtonText(int button, const QString& text)
+{
+    m_buttonTexts.insert(button, text);
+    if (QAbstractButton* b = QMessageBox::button(StandardButton(button)))
+        b->setText(text);
+}
+
+void CMessageBox::setTextColor(const QColor& color)
+{
+    m_textColor = color;
+    applyStyle();
+}
+
+void CMessageBox::setTextAlignment(Qt::Alignment alignment)
+{
+    if (auto* label = findChild<QLabel*>(QStringLiteral("qt_msgbox_label")))
+        label->setAlignment(alignment);
+}
+
+void CMessageBox::setTitleBackgroundColor(const QColor& color)
+{
+    m_titleBackground = color;
+    applyStyle();
+}
+
+QString CMessageBox::title() const { return windowTitle(); }
+
+void CMessageBox::applyStyle()
+{
+    const QColor green = CWidgetStyle::getColor(CWidgetStyle::ButtonGreen);
+    setStyleSheet(QStringLiteral(
+            "CMessageBox { background-color: %1; border: 3px solid %2; }"
+            "QLabel#qt_msgbox_label { color: %3; font-size: 15px; }"
+            "QLabel#title { background-color: %2; color: white; font-weight: bold; font-size: 16px; }"
+            "QPushButton { color: white; background-color: %4; border-radius: 4px;"
+            " min-width: 80px; min-height: 30px; font-weight: bold; }")
+                          .arg(CWidgetStyle::getColor(CWidgetStyle::DialogBackground).name(),
+                               m_titleBackground.name(), m_textColor.name(), green.name()));
+}

@@ -1,0 +1,64 @@
+#include "plate2promserv.h"
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+
+namespace halmanager {
+
+PlatE2PromServ::PlatE2PromServ() : m_file(kDataFile) { }
+
+PlatE2PromServ::PlatE2PromServ(const std::string& root) : m_file(root + kDataFile) { }
+
+bool PlatE2PromServ::readItem(const char* key, std::string* value) const
+{
+    std::ifstream in(m_file);
+    const std::string prefix = std::string(key) + "=";
+    std::string line;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (line.compare(0, prefix.size(), prefix) == 0) {
+            *value = line.substr(prefix.size());
+            return true;
+        }
+    }
+    return false;
+}
+
+int PlatE2PromServ::ReadMacAddr(char* mac)
+{
+    std::string text;
+    if (!mac || !readItem("mac", &text))
+        return -1;
+    unsigned char bytes[6];
+    size_t pos = 0;
+    for (int i = 0; i < 6; ++i) {
+        if (pos + 2 > text.size() || !std::isxdigit(static_cast<unsigned char>(text[pos]))
+            || !std::isxdigit(static_cast<unsigned char>(text[pos + 1])))
+            return -2;
+        bytes[i] = static_cast<unsigned char>(std::stoi(text.substr(pos, 2), nullptr, 16));
+        pos += 2;
+        if (i < 5) {
+            if (pos >= text.size() || (text[pos] != ':' && text[pos] != '-'))
+                return -2;
+            ++pos;
+        }
+    }
+    if (pos != text.size())
+        return -2;
+    std::memcpy(mac, bytes, sizeof bytes);
+    return 0;
+}
+
+int PlatE2PromServ::ReadSN(char* serial)
+{
+    std::string text;
+    if (!serial || !readItem("sn", &text) || text.empty() || text.size() >= kSerialSize)
+        return -1;
+    std::memcpy(serial, text.c_str(), text.size() + 1);
+    return 0;
+}
+
+} // namespace halmanager

@@ -1,0 +1,12 @@
+#include "opmMain.h"
+
+#include <QApplication>
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    COpmMainPage page(nullptr);
+    page.setGeometry(141, 61, 658, 398);
+    page.show();
+    return app.exec();
+}

@@ -1,0 +1,191 @@
+#ifndef OPM_H
+#define OPM_H
+
+#include "cwidget.h"
+#include "opmShareRecord.h"
+
+#include <QColor>
+#include <QString>
+
+class CCheckBox;
+class CComboBox;
+class CDialog;
+class CLabel;
+class CLineEdit;
+class CMessageBox;
+class CPushButton;
+class CBrovaOpmDataEngine;
+class OffsetBar;
+class QTimer;
+
+enum TestModeType { PowerMeter = 0, LossMeter = 1 };
+
+enum RusultUnit { dB = 0, mW = 1, uW = 2 };
+
+enum LossLengthType { LossLim_dB = 0, LossLim_dBkm = 1, LossLim_dBmi = 2 };
+
+enum WaveLengthType {
+    Type_850nmMMF = 0,
+    Type_1310nmSMF = 1,
+    Type_1490nmSMF = 2,
+    Type_1550nmSMF = 3,
+    Type_1625nmSMF = 4
+};
+
+// One saved reading, as it was displayed.
+struct Result
+{
+    char testMode[16];
+    char waveLenth[16];
+    char minimum[16];
+    char maximum[16];
+    char value[16];
+    char ref[16];
+    char pass[16];
+    char limitsUnit[16];
+    char fiberLength[16];
+    bool isLimit;
+    char time[30];
+};
+typedef Result Ressult_t;
+
+// The operator's setup as it is kept in the settings file, one text per key.
+class COpmSetupConfig
+{
+public:
+    COpmSetupConfig();
+    ~COpmSetupConfig();
+
+    void COpmSetupConfigLoad();
+    void COpmSetupConfigSave();
+    void debugCOpmSetupConfig();
+
+    QString mWaveLenth;
+    QString mTestMode;
+    QString mUnit;
+    QString mPowerLimit;
+    QString mPowerLimitMin;
+    QString mPowerLimitMax;
+    QString mlossUnit;
+    QString mlossLength;
+    QString mreference850;
+    QString mreference1310;
+    QString mreference1490;
+    QString mreference1550;
+    QString mreference1625;
+};
+
+// The Setup tab: live reading of the power reader, the setup controls and the reference level.
+class NerioOpm : public CWidget
+{
+    Q_OBJECT
+public:
+    explicit NerioOpm(QWidget* parent = nullptr);
+    ~NerioOpm() override;
+
+    bool initialize() override;
+    void translate() override;
+
+signals:
+    void exitUtil();
+
+public slots:
+    void clientQuit();
+
+private slots:
+    void onParmLineEditChanged();
+    void onComboxChanged(int index);
+    void onParmComboxChanged(int index);
+    void onComboxWavelenChanged(int index);
+    void onBtnChanged();
+    void onReferBtnChanged();
+    void onStateChanged();
+    void handleDialog();
+    void onTimer();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    friend struct OpmPageProbe;
+
+    CWidget* CrtOpmInfoWidget();
+    CDialog* CrtReferenceDialog();
+    void DelReferenceDialog();
+    void initalizeShareMem();
+    void loadConfig();
+    void setShareMemWaveLen(WaveLengthType type);
+    void showResult();
+    void setHoldInfo();
+    void updateResultSummary();
+    void deleteSpace(char* ptr);
+    void saveResult();
+    int setPowerLimits(CLineEdit* pParmLineEdit);
+    void setEditSate();
+    void setEnable(CLineEdit* pWidget, bool flag);
+    void setEnable(CPushButton* pWidget, bool flag);
+
+    // Helpers of the operations above.
+    bool isShareMemReady() const;
+    void applyTestModeLayout(TestModeType mode);
+    void showReferenceLabel(int waveLength);
+    void showInputError(const QString& text);
+    void fillResult(const char* valueText);
+
+    CLabel* l_pTitle;
+    CLabel* pFileName;
+    CLabel* pWaveLength;
+    CComboBox* m_pWaveLength;
+    CLabel* pTestMode;
+    CComboBox* m_pTestMode;
+    CLabel* m_pSummary;
+    CPushButton* m_pHold;
+    CPushButton* m_pSave;
+    CPushButton* m_pReference;
+    CPushButton* m_pdBm;
+    CPushButton* m_pmW;
+    CPushButton* m_puW;
+    CWidget* m_pOpmInfoWidget;
+    CLabel* m_pOpmInfoTitle;
+    CLabel* m_pOpmRefLabel;
+    CLabel* m_pOpmCurValue;
+    CCheckBox* m_pLimits;
+    CLabel* pMinimum;
+    CLineEdit* m_pMinimum;
+    CLabel* pMaximum;
+    CLineEdit* m_pMaximum;
+    CComboBox* m_pLossMeterUnit;
+    CLabel* m_pLabelLossLength;
+    CLineEdit* m_pLossLength;
+    CDialog* m_pReferenceDialog;
+    CPushButton* m_pReferenceSet;
+    CPushButton* m_pReferenceCancel;
+    CLabel* m_pRefLabel1;
+    CLabel* m_pRefLabel2;
+    CLabel* m_pRefLabel3;
+    CLabel* m_pRefTitle;
+    QTimer* m_pTimer;
+    OpmShareRecord* m_addr;
+    OpmShareRecord Opm;
+    OpmShareRecord m_sOpmRef;
+    bool m_bHold;
+    bool m_bPowerLimits;
+    TestModeType m_eTestMode;
+    RusultUnit m_eRusultUnit;
+    LossLengthType m_eLossLengthType;
+    char m_aWaveLengthRef[5][16];
+    WaveLengthType m_eWaveLength;
+    float m_fLength;
+    float m_fPowerMin;
+    float m_fPowerMax;
+    CMessageBox* m_pMsgbox;
+    QColor m_qColorTextColor;
+    Result m_result;
+    bool m_bPass;
+    OffsetBar* m_pOffsetBarResult;
+    CBrovaOpmDataEngine* m_opmData;
+    COpmSetupConfig m_config;
+};
+
+#endif // OPM_H

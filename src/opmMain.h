@@ -1,0 +1,65 @@
+#ifndef OPMMAIN_H
+#define OPMMAIN_H
+
+#include "cwidget.h"
+#include "opm.h"
+
+#include <list>
+
+class CTabWidget;
+class COpmShowResultPage;
+namespace halmanager {
+class PlatE2PromServ;
+}
+
+// The process-wide store of saved readings, at most twelve, oldest first.
+class CBrovaOpmDataEngine
+{
+public:
+    static constexpr int kMaxResults = 12;
+
+    static CBrovaOpmDataEngine* getSingleInstance();
+
+    void addResultItem(Result& record);
+    int getResultItemCount();
+    Result getLastResultItem();
+    void clearAllresultItem();
+    void getAllResultItem(std::list<Result>& p_resultCache);
+
+private:
+    CBrovaOpmDataEngine() = default;
+
+    std::list<Result> m_resultCache;
+    static CBrovaOpmDataEngine* m_pInstance;
+};
+
+// Top-level page of the application: the Setup and Result tabs, and the power reader's life.
+class COpmMainPage : public CWidget
+{
+    Q_OBJECT
+public:
+    explicit COpmMainPage(QWidget* parent = nullptr);
+    ~COpmMainPage() override;
+
+    QString getKeyboard(const QString& title, const QString& text);
+    void enterInit();
+    void exitClean();
+    void translate() override;
+
+public slots:
+    void onTabChanged(int tabIndex);
+    void clientQuit();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    friend struct OpmPageProbe;
+
+    CTabWidget* m_pTabWidget;
+    NerioOpm* m_pTableOpmSetup;
+    COpmShowResultPage* m_pTableShowResult;
+    halmanager::PlatE2PromServ* m_pE2promserv;
+};
+
+#endif // OPMMAIN_H
