@@ -128,6 +128,7 @@ private:
 
     // Helpers of the operations above.
     bool isShareMemReady() const;
+    void startReference();
     void applyTestModeLayout(TestModeType mode);
     void showReferenceLabel(int waveLength);
     void showInputError(const QString& text);
