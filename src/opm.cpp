@@ -515,8 +515,9 @@ void NerioOpm::onTimer()
     }
     deleteSpace(Opm.value);
 
-    const double reading = atof(Opm.value);
-    m_bPass = double(m_fPowerMin) <= reading && reading <= double(m_fPowerMax);
+    // Compared in the limits' own precision, so that a reading equal to a typed limit passes.
+    const float reading = toFloat(atof(Opm.value));
+    m_bPass = m_fPowerMin <= reading && reading <= m_fPowerMax;
     if (m_bPowerLimits)
         m_qColorTextColor = m_bPass ? Qt::green : Qt::red;
     else
