@@ -1,0 +1,5 @@
+# The Setup tab: live reading, layout, saving, setup controls, reference level, restore.
+
+set(OPM_PAGE_PROBE ${CMAKE_CURRENT_SOURCE_DIR}/support/opmPageProbe.h)
+
+opm_add_test(tst_opmreading page/tst_opmreading.cpp ${OPM_PAGE_PROBE})
