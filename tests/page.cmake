@@ -3,3 +3,4 @@
 set(OPM_PAGE_PROBE ${CMAKE_CURRENT_SOURCE_DIR}/support/opmPageProbe.h)
 
 opm_add_test(tst_opmreading page/tst_opmreading.cpp ${OPM_PAGE_PROBE})
+opm_add_test(tst_opmsave page/tst_opmsave.cpp ${OPM_PAGE_PROBE})
