@@ -28,6 +28,7 @@ public:
     {
         setObjectName(QStringLiteral("CKeyPad"));
         setModal(true);
+        setWindowTitle(title);
         setStyleSheet(QStringLiteral("QDialog#CKeyPad { background-color: %1; border: 3px solid %2; }"
                                      "QLabel { color: %3; font-weight: bold; }"
                                      "QLineEdit { font-size: 18px; min-height: 30px; }")

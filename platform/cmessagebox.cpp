@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QGridLayout>
 #include <QLabel>
+#include <QVector>
 
 CMessageBox::CMessageBox(QWidget* parent)
     : QMessageBox(parent), m_textColor(CWidgetStyle::getColor(CWidgetStyle::TextOnDialog)),
@@ -16,10 +17,7 @@ CMessageBox::CMessageBox(QWidget* parent)
     m_title->setObjectName(QStringLiteral("title"));
     m_title->setAlignment(Qt::AlignCenter);
     m_title->setMinimumHeight(30);
-    if (auto* grid = qobject_cast<QGridLayout*>(layout())) {
-        // The box builds its grid from row 0; the title goes on a row above it.
-        grid->addWidget(m_title, -1, 0, 1, -1);
-    }
+    placeTitle();
     applyStyle();
 }
 
@@ -32,6 +30,7 @@ int CMessageBox::information(QWidget* parent, const QString& title, const QStrin
     m_title->setText(title);
     setText(text);
     setIcon(NoIcon);
+    placeTitle();
     setStandardButtons(buttons);
     if (defaultButton != NoButton)
         setDefaultButton(defaultButton);
@@ -69,6 +68,38 @@ void CMessageBox::setTitleBackgroundColor(const QColor& color)
 }
 
 QString CMessageBox::title() const { return windowTitle(); }
+
+void CMessageBox::showEvent(QShowEvent* event)
+{
+    placeTitle();
+    QMessageBox::showEvent(event);
+}
+
+// QMessageBox builds its grid anew whenever the icon or the informative text changes, from
+// row 0 and without the title: move everything one row down and put the title on top.
+void CMessageBox::placeTitle()
+{
+    auto* grid = qobject_cast<QGridLayout*>(layout());
+    if (!grid || grid->indexOf(m_title) >= 0)
+        return;
+    struct Cell
+    {
+        QLayoutItem* item;
+        int row, column, rowSpan, columnSpan;
+    };
+    QVector<Cell> cells;
+    for (int i = 0; i < grid->count(); ++i) {
+        Cell cell { grid->itemAt(i), 0, 0, 1, 1 };
+        grid->getItemPosition(i, &cell.row, &cell.column, &cell.rowSpan, &cell.columnSpan);
+        cells << cell;
+    }
+    while (grid->count() > 0)
+        grid->takeAt(0);
+    for (const Cell& cell : cells)
+        grid->addItem(cell.item, cell.row + 1, cell.column, cell.rowSpan, cell.columnSpan,
+                      cell.item->alignment());
+    grid->addWidget(m_title, 0, 0, 1, qMax(1, grid->columnCount()));
+}
 
 void CMessageBox::applyStyle()
 {

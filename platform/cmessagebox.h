@@ -24,8 +24,12 @@ public:
     QColor titleBackgroundColor() const { return m_titleBackground; }
     QString title() const;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void applyStyle();
+    void placeTitle();
 
     QMap<int, QString> m_buttonTexts;
     QColor m_textColor;

@@ -52,10 +52,21 @@ int PlatE2PromServ::ReadMacAddr(char* mac)
     return 0;
 }
 
+// The serial goes into reports as it is: only printable ASCII passes.
+static bool isPlainText(const std::string& text)
+{
+    for (const char c : text) {
+        if (c < 0x20 || c > 0x7e)
+            return false;
+    }
+    return true;
+}
+
 int PlatE2PromServ::ReadSN(char* serial)
 {
     std::string text;
-    if (!serial || !readItem("sn", &text) || text.empty() || text.size() >= kSerialSize)
+    if (!serial || !readItem("sn", &text) || text.empty() || text.size() >= kSerialSize
+        || !isPlainText(text))
         return -1;
     std::memcpy(serial, text.c_str(), text.size() + 1);
     return 0;
