@@ -15,12 +15,14 @@ bool isRooted() { return deviceRoot()[0] != '\0'; }
 
 QString rooted(const char* path) { return QString::fromLocal8Bit(deviceRoot()) + QLatin1String(path); }
 
-// A root folder may hold blanks; the fixed paths never do.
+// A root folder may hold blanks, quotes or other shell characters; the fixed paths never do.
 QByteArray shellPath(const char* path)
 {
     if (!isRooted())
         return QByteArray(path);
-    return '\'' + QByteArray(deviceRoot()) + path + '\'';
+    QByteArray quoted = QByteArray(deviceRoot()) + path;
+    quoted.replace('\'', "'\\''");
+    return '\'' + quoted + '\'';
 }
 
 } // namespace

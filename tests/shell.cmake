@@ -1,3 +1,22 @@
 # The plug-in shell: host contract, reader control, device paths and the platform stand-ins.
 
 opm_add_test(tst_platform shell/tst_platform.cpp)
+
+opm_add_test(tst_devicepaths_rooted shell/tst_devicepathsrooted.cpp)
+
+# The product's own device root: this suite must not link the test support library, which
+# brings a root of its own.
+add_executable(tst_devicepaths shell/tst_devicepaths.cpp ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp)
+target_include_directories(tst_devicepaths PRIVATE ${PROJECT_SOURCE_DIR}/src)
+target_link_libraries(tst_devicepaths PRIVATE opmroot_product Qt5::Core Qt5::Test)
+target_compile_definitions(tst_devicepaths PRIVATE
+    OPM_PRODUCT_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
+    OPM_PRODUCT_PROGRAM_FILE="$<TARGET_FILE:opm>"
+    OPM_DEMO_PLUGIN_FILE="$<TARGET_FILE:opmplugin_demo>"
+    OPM_DEMO_ROOT_PATH="${OPM_DEMO_ROOT}"
+    OPM_READER_STAND_IN_FILE="$<TARGET_FILE:readerStandIn>")
+add_dependencies(tst_devicepaths opmplugin opm opmplugin_demo)
+add_test(NAME tst_devicepaths COMMAND tst_devicepaths)
+set_tests_properties(tst_devicepaths PROPERTIES
+    TIMEOUT 120
+    ENVIRONMENT "QTEST_FUNCTION_TIMEOUT=60000")
