@@ -1,3 +1,4 @@
 # The data the measurement page stands on: the reader's record, bounded texts, the setup file,
 # the result store and the gauge.
 opm_add_test(tst_sharerecord data/tst_sharerecord.cpp)
+opm_add_test(tst_fixedtext data/tst_fixedtext.cpp)
