@@ -2,3 +2,4 @@
 # the result store and the gauge.
 opm_add_test(tst_sharerecord data/tst_sharerecord.cpp)
 opm_add_test(tst_fixedtext data/tst_fixedtext.cpp)
+opm_add_test(tst_setupconfig data/tst_setupconfig.cpp data/stdoutCapture.h)
