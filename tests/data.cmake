@@ -3,3 +3,4 @@
 opm_add_test(tst_sharerecord data/tst_sharerecord.cpp)
 opm_add_test(tst_fixedtext data/tst_fixedtext.cpp)
 opm_add_test(tst_setupconfig data/tst_setupconfig.cpp data/stdoutCapture.h)
+opm_add_test(tst_resultstore data/tst_resultstore.cpp)
