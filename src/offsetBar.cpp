@@ -1,9 +1,163 @@
 #include "offsetBar.h"
 
-OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent) { }
+#include <QApplication>
+#include <QBrush>
+#include <QColor>
+#include <QFont>
+#include <QPainter>
+#include <QPen>
+
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+const int kWidgetWidth = 255;
+const int kWidgetHeight = 40;
+const int kBarWidth = 245;
+const int kBarHeight = 25;
+const int kScaler = 36;                             // width of each out-of-range zone
+const int kInRangeSpan = kBarWidth - 2 * kScaler;   // pixels the whole range covers
+const int kMarkerWidth = 5;
+const int kMarkerHeight = 24;
+const int kCentreX = 121;
+const int kLabelBaseline = 37;
+const int kLabelOffset = 10;
+const int kFontPixelSize = 12;
+
+const QColor kOutOfRangeColour(252, 223, 215, 255);
+const QColor kInRangeColour(204, 255, 153, 255);
+
+// Truncates toward zero after clamping into [low, high], so that no value (huge, infinite or
+// NaN) reaches an undefined conversion.
+int truncateInto(double value, int low, int high, int ifNaN)
+{
+    if (std::isnan(value))
+        return ifNaN;
+    return static_cast<int>(std::fmax(double(low), std::fmin(double(high), std::trunc(value))));
+}
+
+QString limitLabel(double limit) { return QString::asprintf("%.2f", limit); }
+
+} // namespace
+
+OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent)
+{
+    const QRect area = rect();
+    m_nStartX = area.x();
+    m_nStartY = area.y();
+    m_nWidth = area.width();
+    m_nHeight = area.height();
+    m_sMaxValue = tr("10");
+    m_sMinValue = tr("-60");
+    m_fOffsetValue = 0.0;
+    m_fMaxValue = 10.0;
+    m_fMinValue = -60.0;
+    m_fValueRage = std::trunc(std::fabs(m_fMaxValue - m_fMinValue));
+    resize(kWidgetWidth, kWidgetHeight);
+    clear();
+}
+
 OffsetBar::~OffsetBar() { }
-void OffsetBar::setRangedOffset(double, double, double) { }
-void OffsetBar::setRangedOffset(int, int, int) { }
-void OffsetBar::clear() { }
-int OffsetBar::markerX() const { return -1; }
-void OffsetBar::paintEvent(QPaintEvent* event) { CWidget::paintEvent(event); }
+
+void OffsetBar::setRangedOffset(double lowwater, double highwater, double offset)
+{
+    m_fOffsetValue = offset;
+    m_fValueRage = highwater - lowwater;
+    m_fMinValue = lowwater;
+    m_fMaxValue = highwater;
+    m_nPercentVal = percentOf(offset, lowwater, highwater);
+    m_sMaxValue = limitLabel(highwater);
+    m_sMinValue = limitLabel(lowwater);
+    printf("________m_nPercentVal___%d_______\n", m_nPercentVal);
+    update();
+}
+
+// Any int and any difference of two ints is exact in a double, so this is the whole-number
+// result without the overflow that int arithmetic would risk for far-apart limits.
+void OffsetBar::setRangedOffset(int lowwater, int highwater, int offset)
+{
+    setRangedOffset(double(lowwater), double(highwater), double(offset));
+}
+
+void OffsetBar::clear()
+{
+    m_nPercentVal = 0;
+    update();
+}
+
+// A NaN value or limit has no place on the bar: it goes to position 0, and markerX() puts it
+// at the outer left end.
+int OffsetBar::percentOf(double offset, double lowwater, double highwater)
+{
+    if (std::isnan(offset) || std::isnan(lowwater) || std::isnan(highwater))
+        return 0;
+    if (offset < lowwater)
+        return 0;
+    if (offset > highwater)
+        return 100;
+    if (offset == highwater)
+        return 100; // also equal limits, where the range is zero
+    return truncateInto((offset - lowwater) / (highwater - lowwater) * 100.0, 0, 100, 0);
+}
+
+// How far `to` lies beyond `from` on the in-range scale, in whole pixels. Clamped to a widget
+// width either way, which is off the bar whatever the sign; an unknown distance counts as far.
+int OffsetBar::pixelsBeyond(double from, double to) const
+{
+    if (to == from)
+        return 0; // also both infinite, or a zero range
+    const double distance = to - from;
+    if (std::isnan(distance) || std::isnan(m_fValueRage))
+        return kWidgetWidth;
+    if (m_fValueRage == 0)
+        return distance > 0 ? kWidgetWidth : -kWidgetWidth;
+    return truncateInto(kInRangeSpan * distance / m_fValueRage, -kWidgetWidth, kWidgetWidth,
+                        kWidgetWidth);
+}
+
+int OffsetBar::markerX() const
+{
+    int x = -1;
+    if (m_nPercentVal > 0 && m_nPercentVal < 100) {
+        x = static_cast<int>(m_nPercentVal * kInRangeSpan / 100.0 + kScaler);
+    } else if (m_nPercentVal == 0) {
+        const int d = pixelsBeyond(m_fOffsetValue, m_fMinValue);
+        x = d < kScaler ? kScaler - d : 0;
+    } else if (m_nPercentVal == 100) {
+        const int d = pixelsBeyond(m_fMaxValue, m_fOffsetValue);
+        x = d < kScaler ? kBarWidth - kScaler + d : kBarWidth - kMarkerWidth;
+    }
+    // Only a meaningless position (upside-down limits, or a value far off after clear()) puts
+    // the marker beside the widget; it is then not drawn at all.
+    if (x < 0 || x > kWidgetWidth - kMarkerWidth)
+        return -1;
+    return x;
+}
+
+void OffsetBar::paintEvent(QPaintEvent* event)
+{
+    CWidget::paintEvent(event);
+
+    QPainter painter(this);
+    QFont font = QApplication::font();
+    font.setPixelSize(kFontPixelSize);
+    painter.setFont(font);
+    painter.setPen(QPen(Qt::black));
+    painter.setBrush(QBrush(Qt::white, Qt::SolidPattern));
+    painter.translate(rect().topLeft());
+
+    const int zoneHeight = kBarHeight - 2;
+    painter.drawRect(QRect(0, 0, kBarWidth, kBarHeight));
+    painter.fillRect(QRect(1, 1, kScaler, zoneHeight), kOutOfRangeColour);
+    painter.fillRect(QRect(kBarWidth - 1 - kScaler, 1, kScaler, zoneHeight), kOutOfRangeColour);
+    painter.fillRect(QRect(1 + kScaler, 1, kBarWidth - 2 - 2 * kScaler, zoneHeight), kInRangeColour);
+    painter.fillRect(QRect(kCentreX, 1, 1, kMarkerHeight), Qt::black);
+
+    const int x = markerX();
+    if (x >= 0)
+        painter.fillRect(QRect(x, 1, kMarkerWidth, kMarkerHeight), Qt::blue);
+
+    painter.drawText(QPoint(kScaler - kLabelOffset, kLabelBaseline), m_sMinValue);
+    painter.drawText(QPoint(kBarWidth - kScaler - kLabelOffset, kLabelBaseline), m_sMaxValue);
+}

@@ -27,6 +27,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    static int percentOf(double offset, double lowwater, double highwater);
+    int pixelsBeyond(double from, double to) const;
+
     int m_nStartX;
     int m_nStartY;
     int m_nWidth;
