@@ -1,0 +1,59 @@
+// opmshots [--scale N] --MODE DIR: renders widgets of the application to PNG files in DIR.
+#include "shots.h"
+
+#include <QApplication>
+#include <QStringList>
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+const ShotMode kModes[] = {
+    { "--offsetbar", "the offset bar for limits -20/-10 at values -15 and -21", shootOffsetBar },
+};
+
+int usage()
+{
+    fprintf(stderr, "usage: opmshots [--scale N] MODE DIR\nmodes:\n");
+    for (const ShotMode& mode : kModes)
+        fprintf(stderr, "  %-14s %s\n", mode.option, mode.description);
+    return 2;
+}
+
+const ShotMode* findMode(const QString& option)
+{
+    for (const ShotMode& mode : kModes)
+        if (option == QLatin1String(mode.option))
+            return &mode;
+    return nullptr;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Pictures only go to files, so no display is ever needed.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+
+    QStringList args = app.arguments().mid(1);
+    ShotOptions options;
+    if (args.size() >= 2 && args.at(0) == QLatin1String("--scale")) {
+        bool ok = false;
+        options.scale = args.at(1).toInt(&ok);
+        if (!ok || options.scale < 1 || options.scale > 16)
+            return usage();
+        args = args.mid(2);
+    }
+    const ShotMode* mode = args.size() == 2 ? findMode(args.at(0)) : nullptr;
+    if (!mode)
+        return usage();
+    options.dir = QDir(args.at(1));
+    if (!options.dir.mkpath(QStringLiteral("."))) {
+        fprintf(stderr, "opmshots: cannot create %s\n", qPrintable(args.at(1)));
+        return 1;
+    }
+    return mode->shoot(options);
+}

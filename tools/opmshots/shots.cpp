@@ -1,0 +1,21 @@
+#include "shots.h"
+
+#include <QImage>
+#include <QPixmap>
+#include <QWidget>
+
+#include <cstdio>
+
+bool saveShot(QWidget& widget, const ShotOptions& options, const QString& fileName)
+{
+    QImage image = widget.grab().toImage();
+    if (options.scale > 1)
+        image = image.scaled(image.size() * options.scale, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    const QString path = options.dir.filePath(fileName);
+    if (!image.save(path, "PNG")) {
+        fprintf(stderr, "opmshots: cannot write %s\n", qPrintable(path));
+        return false;
+    }
+    printf("opmshots: wrote %s\n", qPrintable(path));
+    return true;
+}
