@@ -4,3 +4,6 @@ set(OPM_PAGE_PROBE ${CMAKE_CURRENT_SOURCE_DIR}/support/opmPageProbe.h)
 
 opm_add_test(tst_opmreading page/tst_opmreading.cpp ${OPM_PAGE_PROBE})
 opm_add_test(tst_opmsave page/tst_opmsave.cpp ${OPM_PAGE_PROBE})
+opm_add_test(tst_opmcontrols page/tst_opmcontrols.cpp ${OPM_PAGE_PROBE})
+opm_add_test(tst_opmreference page/tst_opmreference.cpp ${OPM_PAGE_PROBE})
+opm_add_test(tst_opmrestore page/tst_opmrestore.cpp ${OPM_PAGE_PROBE})

@@ -135,11 +135,19 @@ inline QByteArray setupText(const QMap<QString, QString>& keys)
 // (with an empty result store and, when given, a settings file written beforehand).
 struct PageFixture
 {
-    explicit PageFixture(const QByteArray& settings = QByteArray())
+    explicit PageFixture(const QByteArray& settings = QByteArray(), bool build = true)
     {
         CBrovaOpmDataEngine::getSingleInstance()->clearAllresultItem();
         if (!settings.isNull())
             root.writeFile(QStringLiteral("/home/Setting/opmSetup.conf"), settings);
+        if (build)
+            buildPage();
+    }
+    // A new page on the same root, as after a restart.
+    void buildPage()
+    {
+        page.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         page.reset(new NerioOpm);
     }
     ~PageFixture()
