@@ -81,7 +81,8 @@ inline QList<int> runningReaderPids()
     for (const QString& entry : entries) {
         bool isPid = false;
         const int pid = entry.toInt(&isPid);
-        if (isPid && QFileInfo(QStringLiteral("/proc/%1/exe").arg(entry)).canonicalFilePath() == program)
+        const QFileInfo exe(QStringLiteral("/proc/%1/exe").arg(entry));
+        if (isPid && exe.canonicalFilePath() == program)
             pids << pid;
     }
     return pids;
@@ -97,7 +98,8 @@ inline bool readersSettleAt(const TestDeviceRoot& root, int expected, int timeou
                 const QList<int> pids = runningReaderPids();
                 if (pids.size() != expected)
                     return false;
-                const QList<QByteArray> started = root.readFile(QStringLiteral("/reader-starts")).split('\n');
+                const QList<QByteArray> started
+                        = root.readFile(QStringLiteral("/reader-starts")).split('\n');
                 for (int pid : pids) {
                     if (!started.contains(QByteArray::number(pid)))
                         return false;

@@ -1,12 +1,15 @@
 // The host's side of the plug-in: life cycle as the shell drives it, the export, the identity
 // and the verification text in the built plug-in file.
+#include "ctabwidget.h"
 #include "cutilwindow.h"
 #include "opmMain.h"
+#include "opmShowResult.h"
 #include "opmplugin.h"
 #include "shellTestSupport.h"
 #include "testSupport.h"
 
 #include <QFile>
+#include <QKeyEvent>
 #include <QLibrary>
 #include <QPointer>
 #include <QtTest>
@@ -75,6 +78,20 @@ bool elfSection(const QByteArray& image, const char* name, QByteArray* bytes)
     return false;
 }
 
+// Counts the key presses that reach a widget.
+class KeyWatcher : public QObject
+{
+public:
+    int presses = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        presses += event->type() == QEvent::KeyPress ? 1 : 0;
+        return false;
+    }
+};
+
 QString identity(const UtilInterface* plugin, const QByteArray& operation)
 {
     if (operation == "getPluginID")
@@ -104,6 +121,8 @@ private slots:
     void stopKeepsPageAndNextStartRestartsReader();
     void terminateThenStartShowsOldWindow();
     void showHideUpdateKeepState();
+    void mainPageHoldsSetupAndResult();
+    void otherKeysOnlyTraceAndTravelOn();
 
     void instanceIsSingle();
     void castsToHostInterface_data();
@@ -294,6 +313,48 @@ void TestOpmPlugin::showHideUpdateKeepState()
     host->show();
     QVERIFY(window->isVisible());
     QVERIFY(!host->bIsStarted);
+}
+
+void TestOpmPlugin::mainPageHoldsSetupAndResult()
+{
+    UtilInterface* host = plugin();
+    QVERIFY(host->start(newParent()));
+    auto* window = qobject_cast<CUtilWindow*>(host->getObject());
+    QVERIFY(window);
+    auto* page = qobject_cast<COpmMainPage*>(window->centralWidget());
+    QVERIFY(page);
+    auto* tabs = page->findChild<CTabWidget*>();
+    QVERIFY(tabs);
+
+    QCOMPARE(tabs->count(), 2);
+    QCOMPARE(tabs->tabText(0), QStringLiteral("Setup"));
+    QCOMPARE(tabs->tabText(1), QStringLiteral("Result"));
+    QVERIFY(qobject_cast<NerioOpm*>(tabs->widget(0)));
+    QVERIFY(qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
+    QCOMPARE(tabs->size(), QSize(658, 398));
+    QCOMPARE(page->focusPolicy(), Qt::StrongFocus);
+}
+
+void TestOpmPlugin::otherKeysOnlyTraceAndTravelOn()
+{
+    UtilInterface* host = plugin();
+    QWidget* frame = newParent();
+    QVERIFY(host->start(frame));
+    auto* page = qobject_cast<CUtilWindow*>(host->getObject())->centralWidget();
+    KeyWatcher watcher;
+    frame->installEventFilter(&watcher);
+
+    QTest::ignoreMessage(QtDebugMsg,
+                         QRegularExpression(QStringLiteral("--------opm---------Key:65\\W*$")));
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+    StdoutCapture capture;
+    QApplication::sendEvent(page, &key);
+    const QByteArray trace = capture.take();
+
+    QCOMPARE(trace, QByteArray("COpmMainPage::keyPressEvent 65 \n"));
+    // The shell's frame sees the key too.
+    QCOMPARE(watcher.presses, 1);
+    QVERIFY(!key.isAccepted());
 }
 
 void TestOpmPlugin::instanceIsSingle()

@@ -298,9 +298,9 @@ void TestPlatform::e2prom_data()
             << QByteArray::fromHex("ff80a59c007f") << true << QByteArray("X");
     QTest::newRow("longest serial") << true << QByteArray("sn=" + QByteArray(31, 'S')) << false
                                     << QByteArray() << true << QByteArray(31, 'S');
-    QTest::newRow("overlong serial") << true
-                                     << QByteArray("mac=00:1a:2b:3c:4d:5e\nsn=" + QByteArray(32, 'S'))
-                                     << true << mac << false << QByteArray();
+    QTest::newRow("overlong serial")
+            << true << QByteArray("mac=00:1a:2b:3c:4d:5e\nsn=" + QByteArray(32, 'S')) << true << mac
+            << false << QByteArray();
     QTest::newRow("too few bytes") << true << QByteArray("mac=00:1a:2b:3c:4d\nsn=\n") << false
                                    << QByteArray() << false << QByteArray();
     QTest::newRow("too many bytes") << true << QByteArray("mac=00:1a:2b:3c:4d:5e:6f\n") << false
