@@ -1,0 +1,213 @@
+#include "shellFrame.h"
+
+#include "cpushbutton.h"
+#include "cwidgetstyle.h"
+#include "utilinterface.h"
+
+#include <QDateTime>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPixmap>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+namespace {
+
+void setBackground(QWidget* widget, const QColor& color)
+{
+    QPalette palette = widget->palette();
+    palette.setColor(QPalette::Window, color);
+    palette.setColor(QPalette::WindowText, CWidgetStyle::getColor(CWidgetStyle::TextOnPage));
+    widget->setPalette(palette);
+    widget->setAutoFillBackground(true);
+}
+
+QLabel* titleLabel(const QString& text, int pointSize, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    QFont font = label->font();
+    font.setPointSize(pointSize);
+    font.setBold(true);
+    label->setFont(font);
+    return label;
+}
+
+QString boolText(bool value)
+{
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+} // namespace
+
+ShellFrame::ShellFrame(QObject* pluginRoot, UtilInterface* plugin, QWidget* parent)
+    : QWidget(parent)
+    , m_root(pluginRoot)
+    , m_plugin(plugin)
+{
+    setFixedSize(CWidgetStyle::getScreenRegion(CWidgetStyle::Screen).size());
+    // The one-pixel gaps between the regions show this darker shade as dividing lines.
+    setBackground(this, CWidgetStyle::getColor(CWidgetStyle::PanelBackground).darker(200));
+    setWindowTitle(plugin ? plugin->getPluginName() : QStringLiteral("opmshell"));
+    buildTitleBar();
+    buildSidePanel();
+    buildStatusBar();
+    buildWorkArea();
+    updateClock();
+    auto* clockTimer = new QTimer(this);
+    connect(clockTimer, &QTimer::timeout, this, &ShellFrame::updateClock);
+    clockTimer->start(1000);
+}
+
+QWidget* ShellFrame::panel(int region)
+{
+    auto* widget = new QWidget(this);
+    widget->setGeometry(CWidgetStyle::getScreenRegion(region));
+    setBackground(widget, CWidgetStyle::getColor(CWidgetStyle::PanelBackground));
+    return widget;
+}
+
+void ShellFrame::buildTitleBar()
+{
+    QWidget* bar = panel(CWidgetStyle::TitleBar);
+    auto* layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(16, 0, 16, 0);
+    const QString name = isAlive()
+        ? QStringLiteral("%1  %2").arg(m_plugin->getPluginName(), m_plugin->getPluginVersion())
+        : QString();
+    layout->addWidget(titleLabel(name, 16, bar));
+    layout->addStretch();
+    m_clock = titleLabel(QString(), 14, bar);
+    layout->addWidget(m_clock);
+}
+
+void ShellFrame::buildSidePanel()
+{
+    struct Key
+    {
+        const char* caption;
+        void (ShellFrame::*call)();
+    };
+    static const Key keys[] = {
+        { "Start", &ShellFrame::startPlugin },
+        { "Stop", &ShellFrame::stopPlugin },
+        { "Show", &ShellFrame::showPlugin },
+        { "Hide", &ShellFrame::hidePlugin },
+        { "Update", &ShellFrame::updatePlugin },
+        { "Terminate", &ShellFrame::terminatePlugin },
+    };
+    QWidget* side = panel(CWidgetStyle::SidePanel);
+    auto* layout = new QVBoxLayout(side);
+    layout->setContentsMargins(10, 12, 10, 12);
+    layout->setSpacing(10);
+    for (const Key& key : keys) {
+        auto* button = new CPushButton(QString::fromLatin1(key.caption), side);
+        button->setObjectName(QString::fromLatin1(key.caption));
+        button->setStyle(CPushButton::StyleGreen, false);
+        button->setFocusPolicy(Qt::NoFocus);
+        button->setMinimumHeight(48);
+        connect(button, &QPushButton::clicked, this, key.call);
+        layout->addWidget(button);
+    }
+}
+
+// Seen only while no plug-in window covers the work area.
+void ShellFrame::buildWorkArea()
+{
+    auto* hint = new QLabel(tr("Press Start to open the application"), this);
+    hint->setGeometry(CWidgetStyle::getScreenRegion(CWidgetStyle::WorkArea));
+    hint->setAlignment(Qt::AlignCenter);
+    setBackground(hint, CWidgetStyle::getColor(CWidgetStyle::PageBackground));
+    hint->lower();
+}
+
+void ShellFrame::buildStatusBar()
+{
+    QWidget* bar = panel(CWidgetStyle::StatusBar);
+    auto* layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(8, 0, 8, 0);
+    m_status = new QLabel(bar);
+    layout->addWidget(m_status);
+}
+
+void ShellFrame::updateClock()
+{
+    m_clock->setText(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd  hh:mm:ss")));
+}
+
+bool ShellFrame::isAlive() const
+{
+    return m_plugin && m_root;
+}
+
+void ShellFrame::report(const QString& call, const QString& result)
+{
+    const QString line = result.isEmpty() ? call : QStringLiteral("%1 -> %2").arg(call, result);
+    std::printf("opmshell: %s\n", qPrintable(line));
+    std::fflush(stdout);
+    m_status->setText(line);
+}
+
+void ShellFrame::startPlugin()
+{
+    if (isAlive())
+        report(QStringLiteral("start"), boolText(m_plugin->start(this)));
+}
+
+void ShellFrame::stopPlugin()
+{
+    if (isAlive())
+        report(QStringLiteral("stop"), boolText(m_plugin->stop()));
+}
+
+void ShellFrame::showPlugin()
+{
+    if (!isAlive())
+        return;
+    m_plugin->show();
+    report(QStringLiteral("show"));
+}
+
+void ShellFrame::hidePlugin()
+{
+    if (!isAlive())
+        return;
+    m_plugin->hide();
+    report(QStringLiteral("hide"));
+}
+
+void ShellFrame::updatePlugin()
+{
+    if (!isAlive())
+        return;
+    m_plugin->update();
+    report(QStringLiteral("update"));
+}
+
+void ShellFrame::terminatePlugin()
+{
+    if (!isAlive())
+        return;
+    m_plugin->terminate();
+    report(QStringLiteral("terminate"));
+}
+
+void ShellFrame::shutdownPlugin()
+{
+    if (m_shutDown)
+        return;
+    m_shutDown = true;
+    stopPlugin();
+    terminatePlugin();
+}
+
+bool ShellFrame::saveScreenshot(const QString& file)
+{
+    const bool saved = grab().save(file, "PNG");
+    if (saved)
+        std::printf("opmshell: screenshot %s\n", qPrintable(file));
+    else
+        std::fprintf(stderr, "opmshell: cannot write the screenshot %s\n", qPrintable(file));
+    return saved;
+}

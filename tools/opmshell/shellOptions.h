@@ -1,0 +1,33 @@
+#ifndef SHELLOPTIONS_H
+#define SHELLOPTIONS_H
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// The stand-in's own command line; the plug-in itself takes no options. It is read before
+// QApplication sees argv, which would take "--plugin" as one of its own options.
+struct ShellOptions
+{
+    struct Screenshot
+    {
+        double seconds;
+        QString file;
+    };
+
+    QString plugin;
+    QList<Screenshot> screenshots;
+    double quitAfter = -1; // seconds; negative: run until closed
+    bool autostart = false;
+    QString helpText; // set when --help was asked for
+
+    // False with a reason when the command line cannot be used.
+    bool parse(const QStringList& arguments, QString* error);
+};
+
+// "2.5" -> 2.5 seconds; false for anything else than 0 to a day.
+bool parseSeconds(const QString& text, double* seconds);
+// "2.5:shot.png"
+bool parseScreenshotAt(const QString& text, ShellOptions::Screenshot* shot);
+
+#endif // SHELLOPTIONS_H
