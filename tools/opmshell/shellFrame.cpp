@@ -205,9 +205,11 @@ void ShellFrame::shutdownPlugin()
 bool ShellFrame::saveScreenshot(const QString& file)
 {
     const bool saved = grab().save(file, "PNG");
-    if (saved)
+    if (saved) {
         std::printf("opmshell: screenshot %s\n", qPrintable(file));
-    else
+        std::fflush(stdout);
+    } else {
         std::fprintf(stderr, "opmshell: cannot write the screenshot %s\n", qPrintable(file));
+    }
     return saved;
 }
