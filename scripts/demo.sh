@@ -9,6 +9,7 @@ source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${BUILD_DIR:-$source_dir/build}
 build_dir=$(mkdir -p "$build_dir" && cd "$build_dir" && pwd)
 
+bash "$source_dir/scripts/setup.sh"
 cmake -S "$source_dir" -B "$build_dir" >/dev/null
 cmake --build "$build_dir" -j "$(nproc 2>/dev/null || echo 2)"
 
