@@ -102,11 +102,9 @@ void TestOpmLayout::translate_data()
     QTest::addColumn<int>("unitButton");
     QTest::addColumn<QString>("caption");
 
-    QTest::newRow("loss meter") << 1 << -1 << "Loss Limits";
     QTest::newRow("loss meter after mW") << 1 << int(mW) << "Loss Limits";
     QTest::newRow("power meter, mW") << 0 << int(mW) << "Power Limits (mW)";
     QTest::newRow("power meter, uW") << 0 << int(uW) << "Power Limits (uW)";
-    QTest::newRow("power meter, dBm") << 0 << int(dB) << "Power Limits (dBm)";
 }
 
 void TestOpmLayout::translate()
@@ -118,8 +116,7 @@ void TestOpmLayout::translate()
     PageFixture fx;
     NerioOpm* page = fx.get();
     CPushButton* units[] = { P::m_pdBm(page), P::m_pmW(page), P::m_puW(page) };
-    if (unitButton >= 0)
-        units[unitButton]->click();
+    units[unitButton]->click();
     P::choose(P::m_pTestMode(page), mode);
     QVERIFY(QFile::remove(DevicePaths::settingFile()));
 

@@ -41,6 +41,7 @@ private slots:
     void cancel_data();
     void cancel();
     void wavelengthChangesWhileOpen();
+    void pageGoesWithOpenDialog();
 };
 
 void TestOpmReference::set_data()
@@ -160,6 +161,18 @@ void TestOpmReference::wavelengthChangesWhileOpen()
     const QMap<QString, QString> file = storedSetup();
     QCOMPARE(file.value("Reference1550"), QString("-12.34"));
     QCOMPARE(file.value("Reference1310"), QString("0"));
+}
+
+void TestOpmReference::pageGoesWithOpenDialog()
+{
+    PageFixture fx(setupText(lossSetup()));
+    showReading(fx, "1310", "-12.34");
+    QPointer<CDialog> dialog = pressReference(fx.get());
+    QVERIFY(QFile::remove(DevicePaths::settingFile()));
+    fx.page.reset();
+    QVERIFY(!dialog);
+    QVERIFY(!QApplication::activeModalWidget());
+    QVERIFY(!QFile::exists(DevicePaths::settingFile()));
 }
 
 QTEST_MAIN(TestOpmReference)
