@@ -1,9 +1,16 @@
 #include "ccheckbox.h"
 
-CCheckBox::CCheckBox(QWidget* parent) : QCheckBox(parent) { applyStyle(); }
+#include "cwidgetstyle.h"
+
+CCheckBox::CCheckBox(QWidget* parent) : QCheckBox(parent)
+{
+    CWidgetStyle::applyTextFont(this);
+    applyStyle();
+}
 
 CCheckBox::CCheckBox(const QString& text, QWidget* parent) : QCheckBox(text, parent)
 {
+    CWidgetStyle::applyTextFont(this);
     applyStyle();
 }
 

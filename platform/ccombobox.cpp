@@ -1,7 +1,10 @@
 #include "ccombobox.h"
 
+#include "cwidgetstyle.h"
+
 CComboBox::CComboBox(QWidget* parent) : QComboBox(parent)
 {
+    CWidgetStyle::applyTextFont(this);
     setMinimumHeight(30);
     setStyleSheet(QStringLiteral("CComboBox { background-color: white; color: black;"
                                  " border: 1px solid #9aa5b1; border-radius: 3px; padding-left: 6px; }"

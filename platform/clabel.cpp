@@ -1,11 +1,16 @@
 #include "clabel.h"
 
+#include "cwidgetstyle.h"
+
 #include <QEvent>
 #include <QFontMetrics>
 
-CLabel::CLabel(QWidget* parent) : QLabel(parent) { }
+CLabel::CLabel(QWidget* parent) : QLabel(parent) { CWidgetStyle::applyTextFont(this); }
 
-CLabel::CLabel(const QString& text, QWidget* parent) : QLabel(text, parent) { }
+CLabel::CLabel(const QString& text, QWidget* parent) : QLabel(text, parent)
+{
+    CWidgetStyle::applyTextFont(this);
+}
 
 void CLabel::setTextColor(const QColor& color)
 {
@@ -63,12 +68,18 @@ void CLabel::fitText()
     QFont f = font();
     if (m_basePixelSize <= 0)
         m_basePixelSize = f.pixelSize() > 0 ? f.pixelSize() : QFontInfo(f).pixelSize();
+    // A text that breaks its own lines keeps them: each must fit the width unwrapped.
+    const QRect box = contentsRect();
+    const bool ownLines = text().contains(QLatin1Char('\n'));
     const int flags = int(alignment()) | (wordWrap() ? Qt::TextWordWrap : 0);
     for (int size = m_basePixelSize; size >= 8; --size) {
         f.setPixelSize(size);
-        const QRect needed
-                = QFontMetrics(f).boundingRect(contentsRect(), flags, text());
-        if (needed.height() <= contentsRect().height() && needed.width() <= contentsRect().width())
+        const QFontMetrics metrics(f);
+        const int widest = ownLines
+                ? metrics.boundingRect(QRect(0, 0, 1 << 20, 1 << 20), 0, text()).width()
+                : 0;
+        const int tallest = metrics.boundingRect(box, flags, text()).height();
+        if (widest <= box.width() && tallest <= box.height())
             break;
     }
     if (f != font())

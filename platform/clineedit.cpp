@@ -1,16 +1,20 @@
 #include "clineedit.h"
 
+#include "cwidgetstyle.h"
+
 #include "ckeypadfactory.h"
 
 #include <QMouseEvent>
 
 CLineEdit::CLineEdit(QWidget* parent) : QLineEdit(parent)
 {
+    CWidgetStyle::applyTextFont(this);
     setMinimumHeight(30);
 }
 
 CLineEdit::CLineEdit(const QString& text, QWidget* parent) : QLineEdit(text, parent)
 {
+    CWidgetStyle::applyTextFont(this);
     setMinimumHeight(30);
 }
 

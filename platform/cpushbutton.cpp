@@ -18,10 +18,15 @@ int colorCodeOf(CPushButton::ButtonStyle style)
 
 } // namespace
 
-CPushButton::CPushButton(QWidget* parent) : QPushButton(parent) { applyStyle(); }
+CPushButton::CPushButton(QWidget* parent) : QPushButton(parent)
+{
+    CWidgetStyle::applyTextFont(this);
+    applyStyle();
+}
 
 CPushButton::CPushButton(const QString& text, QWidget* parent) : QPushButton(text, parent)
 {
+    CWidgetStyle::applyTextFont(this);
     applyStyle();
 }
 

@@ -45,3 +45,10 @@ void CWidgetStyle::centerWidget(QWidget* widget, const QWidget* over)
                          ? frame.topLeft()
                          : widget->parentWidget()->mapFromGlobal(frame.topLeft()));
 }
+
+void CWidgetStyle::applyTextFont(QWidget* widget)
+{
+    QFont f = widget->font();
+    f.setPixelSize(kTextPixelSize);
+    widget->setFont(f);
+}

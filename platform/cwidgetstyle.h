@@ -36,6 +36,9 @@ public:
     static QColor getColor(int code);
     static QRect getScreenRegion(int code);
     static void centerWidget(QWidget* widget, const QWidget* over = nullptr);
+    // The set's compact text size, so that captions fit the fixed widths of its pages.
+    static constexpr int kTextPixelSize = 14;
+    static void applyTextFont(QWidget* widget);
 };
 
 #endif // CWIDGETSTYLE_H
