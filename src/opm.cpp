@@ -22,6 +22,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 namespace {
 
@@ -67,6 +68,59 @@ void terminateTexts(OpmShareRecord& record)
 int addressAsInt(const void* p) { return static_cast<int>(reinterpret_cast<intptr_t>(p)); }
 
 const Qt::Alignment kRightCentred = Qt::AlignRight | Qt::AlignCenter;
+
+// The page's building blocks: caption labels, selectors, buttons and numeric fields all share
+// one look each.
+CLabel* newCaption(const QString& text, QWidget* parent)
+{
+    CLabel* label = new CLabel(text, parent);
+    label->setFixedWidth(100);
+    label->setTextColor(Qt::white);
+    label->setBackgroundColor(CWidgetStyle::getColor(0));
+    label->setAlignment(kRightCentred);
+    return label;
+}
+
+CComboBox* newSelector(const QStringList& items, QWidget* parent)
+{
+    CComboBox* combo = new CComboBox(parent);
+    combo->setFixedWidth(180);
+    combo->addItems(items);
+    return combo;
+}
+
+CPushButton* newButton(const QString& text, QWidget* parent)
+{
+    CPushButton* button = new CPushButton(text, parent);
+    button->setStyle(CPushButton::StyleGreen, false);
+    return button;
+}
+
+CLineEdit* newNumberEdit(const QString& text, QWidget* parent)
+{
+    CLineEdit* edit = new CLineEdit(text, parent);
+    edit->setFixedWidth(180);
+    edit->setSKPType(3);
+    return edit;
+}
+
+template <typename Box>
+Box* newBox(int spacing)
+{
+    Box* box = new Box;
+    box->setContentsMargins(0, 0, 0, 0);
+    box->setSpacing(spacing);
+    return box;
+}
+
+QVBoxLayout* newColumn(std::initializer_list<QWidget*> widgets, int spacing)
+{
+    QVBoxLayout* column = newBox<QVBoxLayout>(spacing);
+    for (QWidget* widget : widgets)
+        column->addWidget(widget);
+    column->addStretch();
+    return column;
+}
 
 } // namespace
 
@@ -209,34 +263,18 @@ bool NerioOpm::initialize()
 {
     setWindowTitle(QObject::tr("Optical Power Meter"));
 
-    pWaveLength = new CLabel(QObject::tr("Wavelength"), this);
-    pWaveLength->setFixedWidth(100);
-    pWaveLength->setTextColor(Qt::white);
-    pWaveLength->setBackgroundColor(CWidgetStyle::getColor(0));
-    pWaveLength->setAlignment(kRightCentred);
-
-    m_pWaveLength = new CComboBox(this);
-    m_pWaveLength->setFixedWidth(180);
-    m_pWaveLength->addItems(QStringList() << "850 nm MMF"
-                                          << "1310 nm SMF"
-                                          << "1490 nm SMF"
-                                          << "1550 nm SMF"
-                                          << "1625 nm SMF");
-
-    pTestMode = new CLabel(QObject::tr("Test Mode"), this);
-    pTestMode->setFixedWidth(100);
-    pTestMode->setTextColor(Qt::white);
-    pTestMode->setBackgroundColor(CWidgetStyle::getColor(0));
-    pTestMode->setAlignment(kRightCentred);
-
-    m_pTestMode = new CComboBox(this);
-    m_pTestMode->setFixedWidth(180);
-    m_pTestMode->addItems(QStringList() << QObject::tr("Power Meter(OPM)")
-                                        << QObject::tr("Loss Meter"));
-
-    QHBoxLayout* l_pWaveModeHLyt = new QHBoxLayout;
-    l_pWaveModeHLyt->setContentsMargins(0, 0, 0, 0);
-    l_pWaveModeHLyt->setSpacing(0);
+    pWaveLength = newCaption(QObject::tr("Wavelength"), this);
+    m_pWaveLength = newSelector(QStringList() << "850 nm MMF"
+                                              << "1310 nm SMF"
+                                              << "1490 nm SMF"
+                                              << "1550 nm SMF"
+                                              << "1625 nm SMF",
+                                this);
+    pTestMode = newCaption(QObject::tr("Test Mode"), this);
+    m_pTestMode = newSelector(QStringList() << QObject::tr("Power Meter(OPM)")
+                                            << QObject::tr("Loss Meter"),
+                              this);
+    QHBoxLayout* l_pWaveModeHLyt = newBox<QHBoxLayout>(0);
     l_pWaveModeHLyt->addSpacing(35);
     l_pWaveModeHLyt->addWidget(pWaveLength);
     l_pWaveModeHLyt->addSpacing(5);
@@ -253,53 +291,23 @@ bool NerioOpm::initialize()
     m_pSummary->setTextSize(10);
     m_pSummary->setBackgroundColor(CWidgetStyle::getColor(0));
     m_pSummary->setAlignment(Qt::AlignLeft);
-
     QHBoxLayout* summaryLayOut = new QHBoxLayout;
     summaryLayOut->setAlignment(Qt::AlignLeft);
     summaryLayOut->setContentsMargins(0, 0, 0, 0);
     summaryLayOut->addSpacing(10);
     summaryLayOut->addWidget(m_pSummary);
 
-    m_pHold = new CPushButton(QObject::tr("Hold"), this);
-    m_pHold->setStyle(CPushButton::StyleGreen, false);
-    m_pSave = new CPushButton(QObject::tr("Save"), this);
-    m_pSave->setStyle(CPushButton::StyleGreen, false);
-    m_pReference = new CPushButton(QObject::tr("Reference"), this);
-    m_pReference->setStyle(CPushButton::StyleGreen, false);
+    m_pHold = newButton(QObject::tr("Hold"), this);
+    m_pSave = newButton(QObject::tr("Save"), this);
+    m_pReference = newButton(QObject::tr("Reference"), this);
     m_pReference->hide();
-
-    QVBoxLayout* pSubVLyt1 = new QVBoxLayout;
-    pSubVLyt1->setContentsMargins(0, 0, 0, 0);
-    pSubVLyt1->setSpacing(20);
-    pSubVLyt1->addWidget(m_pHold);
-    pSubVLyt1->addWidget(m_pSave);
-    pSubVLyt1->addWidget(m_pReference);
-    pSubVLyt1->addStretch();
-
-    m_pdBm = new CPushButton(tr("dBm"), this);
-    m_pdBm->setStyle(CPushButton::StyleGreen, false);
-    m_pmW = new CPushButton(tr("mW"), this);
-    m_pmW->setStyle(CPushButton::StyleGreen, false);
-    m_puW = new CPushButton(tr("uW"), this);
-    m_puW->setStyle(CPushButton::StyleGreen, false);
-
-    QVBoxLayout* pSubVLyt3 = new QVBoxLayout;
-    pSubVLyt3->setContentsMargins(0, 0, 0, 0);
-    pSubVLyt3->setSpacing(20);
-    pSubVLyt3->addWidget(m_pdBm);
-    pSubVLyt3->addWidget(m_pmW);
-    pSubVLyt3->addWidget(m_puW);
-    pSubVLyt3->addStretch();
-
-    QVBoxLayout* pSubVLyt2 = new QVBoxLayout;
-    pSubVLyt2->setContentsMargins(0, 0, 0, 0);
-    pSubVLyt2->setSpacing(0);
-    pSubVLyt2->addWidget(CrtOpmInfoWidget());
-    pSubVLyt2->addStretch();
-
-    QHBoxLayout* pSubMainHLyt4 = new QHBoxLayout;
-    pSubMainHLyt4->setContentsMargins(0, 0, 0, 0);
-    pSubMainHLyt4->setSpacing(0);
+    m_pdBm = newButton(tr("dBm"), this);
+    m_pmW = newButton(tr("mW"), this);
+    m_puW = newButton(tr("uW"), this);
+    QVBoxLayout* pSubVLyt1 = newColumn({ m_pHold, m_pSave, m_pReference }, 20);
+    QVBoxLayout* pSubVLyt3 = newColumn({ m_pdBm, m_pmW, m_puW }, 20);
+    QVBoxLayout* pSubVLyt2 = newColumn({ CrtOpmInfoWidget() }, 0);
+    QHBoxLayout* pSubMainHLyt4 = newBox<QHBoxLayout>(0);
     pSubMainHLyt4->addSpacing(30);
     pSubMainHLyt4->addLayout(pSubVLyt1);
     pSubMainHLyt4->addSpacing(30);
@@ -312,72 +320,36 @@ bool NerioOpm::initialize()
     m_pLimits->setFixedWidth(190);
     m_pLimits->setForegroundColor(Qt::white);
     m_pLimits->setBorderVisible(false);
-
-    m_pLossMeterUnit = new CComboBox(this);
-    m_pLossMeterUnit->setFixedWidth(180);
-    m_pLossMeterUnit->addItems(QStringList() << "dB"
-                                             << "dB/km"
-                                             << "dB/mi");
-
-    m_pLabelLossLength = new CLabel(QObject::tr("Length (km)"), this);
-    m_pLabelLossLength->setFixedWidth(100);
-    m_pLabelLossLength->setTextColor(Qt::white);
-    m_pLabelLossLength->setBackgroundColor(CWidgetStyle::getColor(0));
-    m_pLabelLossLength->setAlignment(kRightCentred);
+    m_pLossMeterUnit = newSelector(QStringList() << "dB"
+                                                 << "dB/km"
+                                                 << "dB/mi",
+                                   this);
+    m_pLabelLossLength = newCaption(QObject::tr("Length (km)"), this);
     m_pLabelLossLength->hide();
-
-    m_pLossLength = new CLineEdit(this);
-    m_pLossLength->setFixedWidth(180);
-    m_pLossLength->setSKPType(3);
-
+    m_pLossLength = newNumberEdit(QString(), this);
     QHBoxLayout* pSubPowerVLyt1 = new QHBoxLayout;
-
-    QHBoxLayout* pSubPowerVLyt1_1 = new QHBoxLayout;
-    pSubPowerVLyt1_1->setContentsMargins(0, 0, 0, 0);
-    pSubPowerVLyt1_1->setSpacing(0);
+    QHBoxLayout* pSubPowerVLyt1_1 = newBox<QHBoxLayout>(0);
     pSubPowerVLyt1_1->addSpacing(20);
     pSubPowerVLyt1_1->addWidget(m_pLimits);
     pSubPowerVLyt1_1->setSpacing(5);
     pSubPowerVLyt1_1->addWidget(m_pLossMeterUnit);
     pSubPowerVLyt1_1->addStretch();
-
-    QHBoxLayout* pSubPowerVLyt1_2 = new QHBoxLayout;
-    pSubPowerVLyt1_2->setContentsMargins(0, 0, 0, 0);
-    pSubPowerVLyt1_2->setSpacing(0);
+    QHBoxLayout* pSubPowerVLyt1_2 = newBox<QHBoxLayout>(0);
     pSubPowerVLyt1_2->addSpacing(7);
     pSubPowerVLyt1_2->addWidget(m_pLabelLossLength);
     pSubPowerVLyt1_2->addSpacing(5);
     pSubPowerVLyt1_2->addWidget(m_pLossLength);
     pSubPowerVLyt1_2->addStretch();
-
     pSubPowerVLyt1->addLayout(pSubPowerVLyt1_1);
     pSubPowerVLyt1->addLayout(pSubPowerVLyt1_2);
 
-    pMinimum = new CLabel(QObject::tr("Minimum"), this);
-    pMinimum->setFixedWidth(100);
-    pMinimum->setTextColor(Qt::white);
-    pMinimum->setAlignment(kRightCentred);
-    pMinimum->setBackgroundColor(CWidgetStyle::getColor(0));
-
-    m_pMinimum = new CLineEdit(tr("-60"), this);
-    m_pMinimum->setFixedWidth(180);
-    m_pMinimum->setSKPType(3);
+    pMinimum = newCaption(QObject::tr("Minimum"), this);
+    m_pMinimum = newNumberEdit(tr("-60"), this);
     m_pMinimum->setRange(-60, 10);
-
-    pMaximum = new CLabel(QObject::tr("Maximum"), this);
-    pMaximum->setFixedWidth(100);
-    pMaximum->setTextColor(Qt::white);
-    pMaximum->setAlignment(kRightCentred);
-    pMaximum->setBackgroundColor(CWidgetStyle::getColor(0));
-
-    m_pMaximum = new CLineEdit(tr("10"), this);
-    m_pMaximum->setFixedWidth(180);
-    m_pMaximum->setSKPType(3);
+    pMaximum = newCaption(QObject::tr("Maximum"), this);
+    m_pMaximum = newNumberEdit(tr("10"), this);
     m_pMaximum->setRange(-60, 10);
-
-    QHBoxLayout* pSubPowerHLyt2 = new QHBoxLayout;
-    pSubPowerHLyt2->setContentsMargins(0, 0, 0, 0);
-    pSubPowerHLyt2->setSpacing(0);
+    QHBoxLayout* pSubPowerHLyt2 = newBox<QHBoxLayout>(0);
     pSubPowerHLyt2->addSpacing(40);
     pSubPowerHLyt2->addWidget(pMinimum);
     pSubPowerHLyt2->addSpacing(5);
@@ -388,9 +360,7 @@ bool NerioOpm::initialize()
     pSubPowerHLyt2->addWidget(m_pMaximum);
     pSubPowerHLyt2->addStretch();
 
-    QVBoxLayout* pSubMainPowerVLyt3 = new QVBoxLayout;
-    pSubMainPowerVLyt3->setContentsMargins(0, 0, 0, 0);
-    pSubMainPowerVLyt3->setSpacing(10);
+    QVBoxLayout* pSubMainPowerVLyt3 = newBox<QVBoxLayout>(10);
     pSubMainPowerVLyt3->addLayout(pSubPowerVLyt1);
     pSubMainPowerVLyt3->addLayout(pSubPowerHLyt2);
 
