@@ -40,8 +40,8 @@ double expectedLevelDbm(int index)
     return kSourceDbm - kLinkKm * wavelength(index).attenuationDbKm - kConnectorLossDb;
 }
 
-Meter::Meter(unsigned seed)
-    : m_random(seed)
+Meter::Meter(unsigned noiseSeed)
+    : m_random(noiseSeed)
     , m_noise(0.0, kNoiseDb)
 {
 }

@@ -25,7 +25,7 @@ double expectedLevelDbm(int index);
 class Meter
 {
 public:
-    explicit Meter(unsigned seed);
+    explicit Meter(unsigned noiseSeed);
     // A reading at time seconds: the expected level with a slow drift and a little noise.
     double read(int index, double seconds);
 

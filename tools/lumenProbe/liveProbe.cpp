@@ -16,9 +16,9 @@ int targetOf(const OpmShareRecord* record)
 
 } // namespace
 
-LiveProbe::LiveProbe(OpmShareRecord* record, unsigned seed)
+LiveProbe::LiveProbe(OpmShareRecord* record, unsigned noiseSeed)
     : m_record(record)
-    , m_meter(seed)
+    , m_meter(noiseSeed)
 {
 }
 

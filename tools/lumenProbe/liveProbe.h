@@ -12,7 +12,7 @@ public:
     static constexpr long long kUpdatePeriodMs = 250;
     static constexpr long long kSwitchDelayMs = 300;
 
-    LiveProbe(OpmShareRecord* record, unsigned seed);
+    LiveProbe(OpmShareRecord* record, unsigned noiseSeed);
 
     // Starts at the wavelength already asked for (850 nm when none is) and writes a reading.
     void begin(long long nowMs);
