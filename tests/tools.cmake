@@ -1,21 +1,19 @@
 # The tools: the shell stand-in and the simulated reader, run as the programs they are.
 
-# Plug-ins the shell stand-in must refuse or take; see tools/fakePlugin.cpp for the variants.
-set(OPM_FAKE_PLUGINS good wrongversion wrongbuildkey wrongpattern sectiondiffers nosection
-    nofunction plainroot)
+# Plug-in files the shell stand-in must refuse; see tools/fakePlugin.cpp for the variants.
+set(OPM_FAKE_PLUGINS wrongversion wrongbuildkey sectiondiffers)
 set(OPM_FAKE_PLUGIN_DEFINITIONS)
 set(variant 0)
 foreach(fake ${OPM_FAKE_PLUGINS})
     add_library(fakeplugin_${fake} MODULE tools/fakePlugin.cpp)
     target_compile_definitions(fakeplugin_${fake} PRIVATE FAKE_PLUGIN_VARIANT=${variant})
-    target_link_libraries(fakeplugin_${fake} PRIVATE brovaplatform Qt5::Widgets)
+    target_link_libraries(fakeplugin_${fake} PRIVATE Qt5::Core)
     string(TOUPPER ${fake} upper)
     list(APPEND OPM_FAKE_PLUGIN_DEFINITIONS FAKE_PLUGIN_${upper}="$<TARGET_FILE:fakeplugin_${fake}>")
     math(EXPR variant "${variant} + 1")
 endforeach()
 
-opm_add_test(tst_shellstandin tst_shellstandin.cpp)
-target_link_libraries(tst_shellstandin PRIVATE pluginverify)
+opm_add_test(tst_shellstandin tools/tst_shellstandin.cpp)
 target_compile_definitions(tst_shellstandin PRIVATE
     OPMSHELL_PATH="$<TARGET_FILE:opmshell>"
     DEMO_PLUGIN_PATH="$<TARGET_FILE:opmplugin_demo>"
@@ -25,7 +23,7 @@ foreach(fake ${OPM_FAKE_PLUGINS})
     add_dependencies(tst_shellstandin fakeplugin_${fake})
 endforeach()
 
-opm_add_test(tst_lumenprobe tst_lumenprobe.cpp)
+opm_add_test(tst_lumenprobe tools/tst_lumenprobe.cpp)
 target_compile_definitions(tst_lumenprobe PRIVATE
     LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
     OPMRECORD_PATH="$<TARGET_FILE:opmrecord>")
