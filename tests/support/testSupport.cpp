@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include <cstring>
+#include <vector>
 #include <sys/ipc.h>
 #include <sys/shm.h>
 #include <unistd.h>
@@ -25,16 +26,38 @@ char g_root[4096] = "";
 // The tests' device root: whatever folder the running TestDeviceRoot stands for.
 const char* deviceRoot() { return g_root; }
 
-TestDeviceRoot::TestDeviceRoot()
+namespace {
+
+// Keys come from a folder's inode and may repeat between folders: take a folder whose key no
+// other suite running beside this one (or a crashed earlier run) holds a segment for.
+std::unique_ptr<QTemporaryDir> folderWithOwnSegment()
 {
-    if (!m_dir.isValid())
+    std::vector<std::unique_ptr<QTemporaryDir>> taken;
+    for (int attempt = 0; attempt < 64; ++attempt) {
+        auto dir = std::make_unique<QTemporaryDir>();
+        if (!dir->isValid())
+            return dir;
+        const key_t key = ftok(QFile::encodeName(dir->path()).constData(), 1);
+        if (key != -1 && shmget(key, kOpmShareSegmentSize, IPC_CREAT | IPC_EXCL | 0666) != -1)
+            return dir;
+        taken.push_back(std::move(dir));
+    }
+    qFatal("no folder with a shared-memory key of its own");
+    return nullptr;
+}
+
+} // namespace
+
+TestDeviceRoot::TestDeviceRoot() : m_dir(folderWithOwnSegment())
+{
+    if (!isValid())
         return;
-    const QByteArray root = QFile::encodeName(m_dir.path());
+    const QByteArray root = QFile::encodeName(m_dir->path());
     if (size_t(root.size()) >= sizeof g_root)
         qFatal("test root path too long");
     std::memcpy(g_root, root.constData(), size_t(root.size()) + 1);
     for (const char* dir : { "/home", "/usr/local/brova/bin", "/usr/local/brova/lib", "/etc/brova" })
-        QDir().mkpath(m_dir.path() + QLatin1String(dir));
+        QDir().mkpath(m_dir->path() + QLatin1String(dir));
     m_previousCwd = QDir::currentPath().toLocal8Bit();
     if (chdir(root.constData()) != 0)
         qFatal("cannot enter the test root");
@@ -42,7 +65,7 @@ TestDeviceRoot::TestDeviceRoot()
 
 TestDeviceRoot::~TestDeviceRoot()
 {
-    if (!m_dir.isValid())
+    if (!isValid())
         return;
     DevicePaths::runCommand(DevicePaths::killReaderCommand() + " 2>/dev/null");
     const key_t key = ftok(".", 1);

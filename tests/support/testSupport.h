@@ -11,10 +11,12 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 // A device root of the test's own: a temporary folder standing for "/", which is also the
-// working directory (so the shared-memory key is the test's own). The segment of the folder
-// is removed and the previous working directory restored when it goes.
+// working directory (so the shared-memory key is the test's own: the folder is chosen so that
+// it owns a fresh segment). The segment is removed and the previous working directory
+// restored when it goes.
 class TestDeviceRoot
 {
 public:
@@ -23,8 +25,8 @@ public:
     TestDeviceRoot(const TestDeviceRoot&) = delete;
     TestDeviceRoot& operator=(const TestDeviceRoot&) = delete;
 
-    bool isValid() const { return m_dir.isValid(); }
-    QString path() const { return m_dir.path(); }
+    bool isValid() const { return m_dir && m_dir->isValid(); }
+    QString path() const { return m_dir ? m_dir->path() : QString(); }
     // path() + absolute path of the set
     QString file(const QString& setPath) const { return path() + setPath; }
     QByteArray readFile(const QString& setPath) const;
@@ -37,7 +39,7 @@ public:
     int runningReaders() const;
 
 private:
-    QTemporaryDir m_dir;
+    std::unique_ptr<QTemporaryDir> m_dir;
     QByteArray m_previousCwd;
 };
 
