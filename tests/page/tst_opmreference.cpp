@@ -1,33 +1,13 @@
 // Setting the reference level of a wavelength through the reference dialog.
 #include "opmPageProbe.h"
 
-#include <QPointer>
-#include <QtTest>
-
 using P = OpmPageProbe;
 
 namespace {
 
 // Loss Meter with a reference of its own at every wavelength but 1310 nm.
-QMap<QString, QString> lossSetup()
-{
-    return { { "TestMode", "LossMeter" }, { "Reference850", "-1" }, { "Reference1310", "0" },
-             { "Reference1490", "-3" }, { "Reference1550", "-4" }, { "Reference1625", "-5" } };
-}
-
-void showReading(PageFixture& fx, const char* wave, const char* value)
-{
-    fx.reader.setReading(wave, "dBm", value);
-    P::tick(fx.get());
-}
-
-CDialog* pressReference(NerioOpm* page)
-{
-    P::m_pReference(page)->click();
-    return P::m_pReferenceDialog(page);
-}
-
-void flushDeletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+const Keys kSetup { { "TestMode", "LossMeter" }, { "Reference850", "-1" }, { "Reference1310", "0" },
+                    { "Reference1490", "-3" }, { "Reference1550", "-4" }, { "Reference1625", "-5" } };
 
 } // namespace
 
@@ -35,144 +15,86 @@ class TestOpmReference : public QObject
 {
     Q_OBJECT
 private slots:
-    void set_data();
-    void set();
-    void dialogTexts();
-    void cancel_data();
-    void cancel();
-    void wavelengthChangesWhileOpen();
-    void pageGoesWithOpenDialog();
+    void scenario_data();
+    void scenario();
+    void dialog_data();
+    void dialog();
 };
 
-void TestOpmReference::set_data()
+void TestOpmReference::scenario_data()
 {
-    QTest::addColumn<QStringList>("readings");
-    QTest::addColumn<int>("wave");
-    QTest::addColumn<QString>("stored");
-
-    QTest::newRow("live reading") << QStringList { "-12.34" } << 1 << "-12.34";
-    QTest::newRow("no light at the press") << QStringList { "-7", "---.--" } << 1 << "-7";
-    QTest::newRow("no reading yet") << QStringList() << 0 << "0";
+    addScenarioColumns();
+    QTest::newRow("set") << kSetup << "show 1310 -12.34; click reference; click set"
+            << with(inFile(with(kSetup, { { "Reference1310", "-12.34" } })),
+                    { { "refs", "-1 -12.34 -3 -4 -5" }, { "refLabel", "Ref.: -12.34 dBm" },
+                      { "capture", "-12.34/0" }, { "dialog", "none" } });
+    QTest::newRow("no light at the press")
+            << kSetup << "show 1310 -7; show 1310 ---.--; click reference; click set"
+            << Keys { { "refs", "-1 -7 -3 -4 -5" }, { "refLabel", "Ref.: -7 dBm" },
+                      { "file:Reference1310", "-7" } };
+    QTest::newRow("no reading yet") << kSetup << "click reference; click set"
+            << Keys { { "refs", "0 0 -3 -4 -5" }, { "refLabel", "Ref.: 0 dBm" },
+                      { "file:Reference850", "0" } };
+    // The capture is frozen while the dialog is open and stored for the wavelength reported at Set.
+    QTest::newRow("wavelength changes while open")
+            << kSetup << "show 1310 -12.34; click reference; show 1550 -20; click set"
+            << Keys { { "refs", "-1 0 -3 -12.34 -5" }, { "refLabel", "Ref.: -12.34 dBm" },
+                      { "file:Reference1550", "-12.34" }, { "file:Reference1310", "0" } };
+    // However the dialog goes without Set, nothing is stored and the capture follows the reading.
+    for (const char* way : { "click cancel", "escape", "close" }) {
+        QTest::addRow("%s", way)
+                << kSetup << QString("show 1550 -12.34; click reference; %1; show 1550 -9").arg(way)
+                << Keys { { "refs", "-1 0 -3 -4 -5" }, { "refLabel", "Ref.: -1 dBm" },
+                          { "capture", "-9/0" }, { "dialog", "none" } };
+    }
 }
 
-void TestOpmReference::set()
+void TestOpmReference::scenario()
 {
-    QFETCH(QStringList, readings);
-    QFETCH(int, wave);
-    QFETCH(QString, stored);
+    runScenario();
+}
 
-    QMap<QString, QString> setup = lossSetup();
-    PageFixture fx(setupText(setup));
-    NerioOpm* page = fx.get();
-    for (const QString& value : readings)
-        showReading(fx, "1310", value.toLatin1().constData());
+void TestOpmReference::dialog_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<QStringList>("lines");
 
-    QPointer<CDialog> dialog = pressReference(page);
+    QTest::newRow("live reading, Set") << "show 1310 -12.34" << "click set"
+            << QStringList { "Current Optical Level:-12.34 dBm at 1310 nm",
+                             "Or press Cancel instead if you prefer to keep the previously stored value "
+                             "of 0 dBm" };
+    QTest::newRow("no light, Cancel") << "show 1550 -7; show 1550 ---.--" << "click cancel"
+            << QStringList { "Current Optical Level:---.-- dBm at 1550 nm" };
+    QTest::newRow("Escape") << "" << "escape" << QStringList();
+    QTest::newRow("closed") << "" << "close" << QStringList();
+    QTest::newRow("page goes") << "" << "" << QStringList();
+}
+
+// The dialog's two lines; it is modal, and it is disposed of however it is closed, also with
+// its page.
+void TestOpmReference::dialog()
+{
+    QFETCH(QString, steps);
+    QFETCH(QString, end);
+    QFETCH(QStringList, lines);
+
+    PageFixture fx(kSetup);
+    fx.act(steps + "; click reference");
+    QPointer<CDialog> dialog = P::m_pReferenceDialog(fx.get());
     QVERIFY(dialog && dialog->isVisible());
     QCOMPARE(dialog->windowModality(), Qt::ApplicationModal);
-    QCOMPARE(P::m_sOpmRef(page).flag, 1);
-    P::m_pReferenceSet(page)->click();
-
-    QCOMPARE(fieldText(P::m_aWaveLengthRef(page)[wave]), stored);
-    QCOMPARE(P::m_pOpmRefLabel(page)->text(), "Ref.: " + stored + " dBm");
-    QCOMPARE(P::m_sOpmRef(page).flag, 0);
-    QVERIFY(!P::m_pReferenceDialog(page));
-    flushDeletes();
-    QVERIFY(!dialog);
-
-    const QString keys[] = { "Reference850", "Reference1310", "Reference1490", "Reference1550",
-                             "Reference1625" };
-    setup[keys[wave]] = stored;
-    const QMap<QString, QString> file = storedSetup();
-    for (const QString& key : keys)
-        QCOMPARE(file.value(key), setup.value(key));
-
-    // The loss is now measured against the new reference.
-    showReading(fx, readings.isEmpty() ? "850" : "1310", "-20");
-    QCOMPARE(P::m_pOpmCurValue(page)->text(),
-             QString::asprintf("%.6f dB", stored.toDouble() + 20.0));
-}
-
-void TestOpmReference::dialogTexts()
-{
-    PageFixture fx(setupText(lossSetup()));
-    showReading(fx, "1310", "-12.34");
-    pressReference(fx.get());
-    QCOMPARE(P::m_pRefLabel2(fx.get())->text(), QString("Current Optical Level:-12.34 dBm at 1310 nm"));
-    QCOMPARE(P::m_pRefLabel3(fx.get())->text(),
-             QString("Or press Cancel instead if you prefer to keep the previously stored value of 0 dBm"));
-}
-
-void TestOpmReference::cancel_data()
-{
-    QTest::addColumn<int>("way");
-    QTest::newRow("Cancel button") << 0;
-    QTest::newRow("Escape") << 1;
-    QTest::newRow("closed") << 2;
-}
-
-void TestOpmReference::cancel()
-{
-    QFETCH(int, way);
-
-    PageFixture fx(setupText(lossSetup()));
-    NerioOpm* page = fx.get();
-    showReading(fx, "1550", "-12.34");
-    const QString label = P::m_pOpmRefLabel(page)->text();
-    QPointer<CDialog> dialog = pressReference(page);
-    QVERIFY(dialog);
-    QVERIFY(QFile::remove(DevicePaths::settingFile()));
-
-    if (way == 0)
-        P::m_pReferenceCancel(page)->click();
-    else if (way == 1)
-        QTest::keyClick(dialog.data(), Qt::Key_Escape);
-    else
-        dialog->close();
-
-    QVERIFY(!P::m_pReferenceDialog(page));
-    QCOMPARE(P::m_sOpmRef(page).flag, 0);
-    QCOMPARE(fieldText(P::m_aWaveLengthRef(page)[3]), QString("-4"));
-    QCOMPARE(P::m_pOpmRefLabel(page)->text(), label);
-    QVERIFY(!QFile::exists(DevicePaths::settingFile()));
-    flushDeletes();
-    QVERIFY(!dialog);
-
-    // The capture follows the reading again.
-    showReading(fx, "1550", "-9");
-    QCOMPARE(fieldText(P::m_sOpmRef(page).value), QString("-9"));
-}
-
-// The reading captured at the press is stored for the wavelength the reader reports at Set.
-void TestOpmReference::wavelengthChangesWhileOpen()
-{
-    PageFixture fx(setupText(lossSetup()));
-    NerioOpm* page = fx.get();
-    showReading(fx, "1310", "-12.34");
-    pressReference(page);
-
-    showReading(fx, "1550", "-20");
-    QCOMPARE(fieldText(P::m_sOpmRef(page).value), QString("-12.34"));
-    P::m_pReferenceSet(page)->click();
-
-    QCOMPARE(fieldText(P::m_aWaveLengthRef(page)[3]), QString("-12.34"));
-    QCOMPARE(fieldText(P::m_aWaveLengthRef(page)[1]), QString("0"));
-    QCOMPARE(P::m_pOpmRefLabel(page)->text(), QString("Ref.: -12.34 dBm"));
-    const QMap<QString, QString> file = storedSetup();
-    QCOMPARE(file.value("Reference1550"), QString("-12.34"));
-    QCOMPARE(file.value("Reference1310"), QString("0"));
-}
-
-void TestOpmReference::pageGoesWithOpenDialog()
-{
-    PageFixture fx(setupText(lossSetup()));
-    showReading(fx, "1310", "-12.34");
-    QPointer<CDialog> dialog = pressReference(fx.get());
-    QVERIFY(QFile::remove(DevicePaths::settingFile()));
-    fx.page.reset();
+    QStringList texts;
+    for (const QLabel* label : dialog->findChildren<QLabel*>())
+        texts << label->text();
+    for (const QString& line : lines)
+        QVERIFY2(texts.contains(line), qPrintable(texts.join('\n')));
+    if (end.isEmpty())
+        fx.page.reset();
+    fx.act(end);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!dialog);
     QVERIFY(!QApplication::activeModalWidget());
-    QVERIFY(!QFile::exists(DevicePaths::settingFile()));
 }
 
 QTEST_MAIN(TestOpmReference)

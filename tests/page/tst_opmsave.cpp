@@ -1,124 +1,43 @@
 // Saving the displayed reading into the result store, from the Save button and from the reader.
 #include "opmPageProbe.h"
 
-#include <QtTest>
-
-#include <cstring>
-#include <list>
-
-using P = OpmPageProbe;
-
-namespace {
-
-CBrovaOpmDataEngine* store() { return CBrovaOpmDataEngine::getSingleInstance(); }
-
-void showReading(PageFixture& fx, const char* value)
-{
-    fx.reader.setReading("1550", "dBm", value);
-    P::tick(fx.get());
-}
-
-// Every field of two records but the time stamp.
-bool sameReading(const Result& a, const Result& b)
-{
-    return std::memcmp(&a, &b, offsetof(Result, time)) == 0;
-}
-
-} // namespace
-
 class TestOpmSave : public QObject
 {
     Q_OBJECT
 private slots:
-    void fullStore_data();
-    void fullStore();
-    void onlyValidReadings_data();
-    void onlyValidReadings();
-    void savesWhatIsShown();
+    void scenario_data();
+    void scenario();
 };
 
-void TestOpmSave::fullStore_data()
+void TestOpmSave::scenario_data()
 {
-    QTest::addColumn<bool>("byReader");
-    QTest::newRow("Save button") << false;
-    QTest::newRow("reader's request") << true;
+    addScenarioColumns();
+    // Twelve results at most: the thirteenth save, by the button or by the reader, is refused
+    // with the one box.
+    const QString twelve = "show 1550 -12.34" + QString("; click save").repeated(12);
+    const QString full = "Warning: Exceeds max allowed results!";
+    QTest::newRow("thirteenth save") << Keys() << twelve + "; click save"
+            << Keys { { "stored", "12" }, { "boxes", "1" }, { "box", full } };
+    QTest::newRow("reader's save into a full store") << Keys() << twelve + "; request; tick"
+            << Keys { { "stored", "12" }, { "boxes", "1" }, { "box", full }, { "needSave", "0" } };
+
+    // A reading of -7 dBm, then the reader's state and save request with the next one, then Save:
+    // only a valid reading at the moment of the save is stored.
+    const QString steps = "show 1310 -7; request; show 1310 -3 dBm %1; click save";
+    const Keys kept { { "label", "-7.000 dBm" }, { "colour", "red" }, { "needSave", "1" },
+                      { "stored", "0" } };
+    const Keys shown { { "label", "-3.000 dBm" }, { "colour", "black" }, { "needSave", "0" } };
+    QTest::newRow("no reading") << Keys() << steps.arg(0) << kept;
+    QTest::newRow("not connected") << Keys() << steps.arg(2)
+                                   << with(kept, { { "label", "OPM Not Connected!" } });
+    QTest::newRow("other state") << Keys() << steps.arg(3) << with(shown, { { "stored", "0" } });
+    QTest::newRow("reading") << Keys() << steps.arg(1)
+                             << with(shown, { { "stored", "2" }, { "boxes", "0" } });
 }
 
-void TestOpmSave::fullStore()
+void TestOpmSave::scenario()
 {
-    QFETCH(bool, byReader);
-
-    ModalBoxCloser closer;
-    PageFixture fx;
-    showReading(fx, "-12.34");
-    for (int i = 0; i < 12; ++i)
-        P::m_pSave(fx.get())->click();
-    QCOMPARE(store()->getResultItemCount(), 12);
-    QCOMPARE(closer.count(), 0);
-
-    if (byReader) {
-        fx.record()->needSave = 1;
-        P::tick(fx.get());
-        QCOMPARE(fx.record()->needSave, 0);
-    } else {
-        P::m_pSave(fx.get())->click();
-    }
-    QCOMPARE(closer.count(), 1);
-    QCOMPARE(closer.boxes().first().title, QString("Warning"));
-    QCOMPARE(closer.boxes().first().text, QString("Exceeds max allowed results!"));
-    QCOMPARE(store()->getResultItemCount(), 12);
-}
-
-void TestOpmSave::onlyValidReadings_data()
-{
-    QTest::addColumn<int>("flag");
-    QTest::addColumn<int>("stored");
-
-    QTest::newRow("no reading") << 0 << 0;
-    QTest::newRow("not connected") << 2 << 0;
-    QTest::newRow("other state") << 3 << 0;
-    QTest::newRow("reading") << 1 << 1;
-}
-
-// The reader's state at the moment of the save decides, not the one last displayed.
-void TestOpmSave::onlyValidReadings()
-{
-    QFETCH(int, flag);
-    QFETCH(int, stored);
-
-    ModalBoxCloser closer;
-    PageFixture fx;
-    showReading(fx, "-12.34");
-    fx.record()->flag = flag;
-    P::m_pSave(fx.get())->click();
-    QCOMPARE(store()->getResultItemCount(), stored);
-    QCOMPARE(closer.count(), 0);
-}
-
-void TestOpmSave::savesWhatIsShown()
-{
-    ModalBoxCloser closer;
-    PageFixture fx;
-    showReading(fx, "-12.34");
-    P::m_pSave(fx.get())->click();
-    P::m_pSave(fx.get())->click();
-
-    // On hold the page keeps the held reading, whatever the reader says meanwhile.
-    P::m_pHold(fx.get())->click();
-    fx.reader.setReading("1310", "dBm", "-3");
-    P::tick(fx.get());
-    P::m_pSave(fx.get())->click();
-
-    std::list<Result> saved;
-    store()->getAllResultItem(saved);
-    QCOMPARE(int(saved.size()), 3);
-    for (const Result& r : saved) {
-        QVERIFY(sameReading(r, saved.front()));
-        QCOMPARE(fieldText(r.value), QString("-12.340 dBm"));
-        QCOMPARE(fieldText(r.waveLenth), QString("1550"));
-        QVERIFY(!fieldText(r.time).isEmpty());
-    }
-    QVERIFY(sameReading(saved.front(), P::m_result(fx.get())));
+    runScenario();
 }
 
 QTEST_MAIN(TestOpmSave)

@@ -1,7 +1,8 @@
 #ifndef OPMPAGEPROBE_H
 #define OPMPAGEPROBE_H
 
-// Access to the Setup tab's private state for the page suites, and the few helpers they share.
+// What the page suites share: access to the Setup tab's private state, the page's state as named
+// facts, the steps an operator or the reader takes, and cases written as rows of a table.
 
 #include "ccheckbox.h"
 #include "ccombobox.h"
@@ -12,83 +13,15 @@
 #include "devicePaths.h"
 #include "fixedText.h"
 #include "offsetBar.h"
-#include "opm.h"
 #include "opmMain.h"
 #include "testSupport.h"
 
-#include <QCoreApplication>
-#include <QFile>
-#include <QMap>
-#include <QMetaObject>
-#include <QTimer>
+#include <QtTest>
 
+#include <cstring>
 #include <memory>
 
-struct OpmPageProbe
-{
-#define OPM_PROBE_FIELD(name) \
-    static auto& name(NerioOpm* page) { return page->name; }
-
-    OPM_PROBE_FIELD(m_pWaveLength)
-    OPM_PROBE_FIELD(m_pTestMode)
-    OPM_PROBE_FIELD(m_pSummary)
-    OPM_PROBE_FIELD(m_pHold)
-    OPM_PROBE_FIELD(m_pSave)
-    OPM_PROBE_FIELD(m_pReference)
-    OPM_PROBE_FIELD(m_pdBm)
-    OPM_PROBE_FIELD(m_pmW)
-    OPM_PROBE_FIELD(m_puW)
-    OPM_PROBE_FIELD(m_pOpmInfoTitle)
-    OPM_PROBE_FIELD(m_pOpmRefLabel)
-    OPM_PROBE_FIELD(m_pOpmCurValue)
-    OPM_PROBE_FIELD(m_pLimits)
-    OPM_PROBE_FIELD(m_pMinimum)
-    OPM_PROBE_FIELD(m_pMaximum)
-    OPM_PROBE_FIELD(m_pLossMeterUnit)
-    OPM_PROBE_FIELD(m_pLabelLossLength)
-    OPM_PROBE_FIELD(m_pLossLength)
-    OPM_PROBE_FIELD(m_pReferenceDialog)
-    OPM_PROBE_FIELD(m_pReferenceSet)
-    OPM_PROBE_FIELD(m_pReferenceCancel)
-    OPM_PROBE_FIELD(m_pRefLabel2)
-    OPM_PROBE_FIELD(m_pRefLabel3)
-    OPM_PROBE_FIELD(m_pTimer)
-    OPM_PROBE_FIELD(m_addr)
-    OPM_PROBE_FIELD(m_sOpmRef)
-    OPM_PROBE_FIELD(m_bHold)
-    OPM_PROBE_FIELD(m_bPowerLimits)
-    OPM_PROBE_FIELD(m_eTestMode)
-    OPM_PROBE_FIELD(m_eRusultUnit)
-    OPM_PROBE_FIELD(m_eLossLengthType)
-    OPM_PROBE_FIELD(m_aWaveLengthRef)
-    OPM_PROBE_FIELD(m_eWaveLength)
-    OPM_PROBE_FIELD(m_fLength)
-    OPM_PROBE_FIELD(m_fPowerMin)
-    OPM_PROBE_FIELD(m_fPowerMax)
-    OPM_PROBE_FIELD(m_qColorTextColor)
-    OPM_PROBE_FIELD(m_result)
-    OPM_PROBE_FIELD(m_bPass)
-    OPM_PROBE_FIELD(m_pOffsetBarResult)
-    OPM_PROBE_FIELD(m_config)
-#undef OPM_PROBE_FIELD
-
-    static NerioOpm* setupPage(COpmMainPage* main) { return main->m_pTableOpmSetup; }
-
-    // One poll of the reader, as the page's timer would deliver it.
-    static void tick(NerioOpm* page) { QMetaObject::invokeMethod(page, "onTimer"); }
-
-    // Operator actions: only these signals reach the page's slots.
-    static void choose(CComboBox* combo, int index)
-    {
-        combo->setCurrentIndex(index);
-        emit combo->activated(index);
-    }
-    static void enter(CLineEdit* edit, const QString& text)
-    {
-        edit->setText(text);
-        emit edit->textEdited(text);
-    }
-};
+using Keys = QMap<QString, QString>;
 
 // A text field of a record, read no further than its width.
 template <size_t N>
@@ -97,33 +30,163 @@ inline QString fieldText(const char (&field)[N])
     return QString::fromLatin1(field, int(FixedText::length(field)));
 }
 
-// The settings file's [COpmSetup] group as it is on disk (QSettings caches in-process, so the
-// file is parsed here).
-inline QMap<QString, QString> storedSetup()
+// The keys of the first map, with those of the second added or replaced.
+inline Keys with(Keys keys, const Keys& more)
 {
-    QMap<QString, QString> keys;
-    QFile file(DevicePaths::settingFile());
-    if (!file.open(QIODevice::ReadOnly))
-        return keys;
-    bool inGroup = false;
-    for (const QByteArray& raw : file.readAll().split('\n')) {
-        const QString line = QString::fromUtf8(raw).trimmed();
-        if (line.startsWith(QLatin1Char('['))) {
-            inGroup = line == QLatin1String("[COpmSetup]");
-            continue;
+    for (auto it = more.cbegin(); it != more.cend(); ++it)
+        keys.insert(it.key(), it.value());
+    return keys;
+}
+
+// Settings file keys under the names of the page's facts (see PageFixture::state).
+inline Keys inFile(const Keys& keys)
+{
+    Keys file;
+    for (auto it = keys.cbegin(); it != keys.cend(); ++it)
+        file.insert("file:" + it.key(), it.value());
+    return file;
+}
+
+// How a bar reads and where it sits; barFor: a bar given these numbers.
+inline QString barText(const OffsetBar& bar)
+{
+    return QStringLiteral("%1..%2 %3% x%4")
+            .arg(bar.minLabel(), bar.maxLabel()).arg(bar.percent()).arg(bar.markerX());
+}
+inline QString barFor(double low, double high, double value)
+{
+    OffsetBar bar;
+    bar.setRangedOffset(low, high, value);
+    return barText(bar);
+}
+
+struct OpmPageProbe
+{
+    static CDialog* m_pReferenceDialog(NerioOpm* p) { return p->m_pReferenceDialog; }
+    static QTimer* m_pTimer(NerioOpm* p) { return p->m_pTimer; }
+
+    // Steps separated by ';'. The operator's: "click <button>", "choose <selector> <index>" and
+    // "enter <field> <text>" (only these signals reach the page's slots), "escape" or "close" on
+    // the reference dialog. The reader's: "show <wavelength> <value> [unit] [flag]" ('_' stands
+    // for a blank) and "request" (a save request). "show" and "tick" poll the reader once, as the
+    // page's timer would.
+    static void act(NerioOpm* p, RecordWriter& reader, const QString& steps)
+    {
+        for (const QString& text : steps.split(';', Qt::SkipEmptyParts)) {
+            const QStringList step = text.simplified().split(' ');
+            const QMap<QString, QAbstractButton*> buttons {
+                { "hold", p->m_pHold }, { "save", p->m_pSave }, { "reference", p->m_pReference },
+                { "mW", p->m_pmW }, { "uW", p->m_puW }, { "limits", p->m_pLimits },
+                { "set", p->m_pReferenceSet }, { "cancel", p->m_pReferenceCancel } };
+            const QMap<QString, CComboBox*> selectors {
+                { "wave", p->m_pWaveLength }, { "mode", p->m_pTestMode },
+                { "lossUnit", p->m_pLossMeterUnit } };
+            const QMap<QString, CLineEdit*> fields {
+                { "min", p->m_pMinimum }, { "max", p->m_pMaximum }, { "length", p->m_pLossLength } };
+            if (step[0] == "show") {
+                reader.setReading(qPrintable(step[1]), qPrintable(step.value(3, "dBm")),
+                                  qPrintable(step.value(2).replace('_', ' ')), step.value(4, "1").toInt());
+            } else if (step[0] == "request") {
+                reader.record()->needSave = 1;
+            } else if (step[0] == "click" && buttons.value(step.value(1))) {
+                buttons.value(step[1])->click();
+            } else if (step[0] == "choose" && selectors.value(step.value(1))) {
+                selectors.value(step[1])->setCurrentIndex(step.value(2).toInt());
+                emit selectors.value(step[1])->activated(step.value(2).toInt());
+            } else if (step[0] == "enter" && fields.value(step.value(1))) {
+                fields.value(step[1])->setText(step.value(2));
+                emit fields.value(step[1])->textEdited(step.value(2));
+            } else if (step[0] == "escape" && p->m_pReferenceDialog) {
+                QTest::keyClick(p->m_pReferenceDialog, Qt::Key_Escape);
+            } else if (step[0] == "close" && p->m_pReferenceDialog) {
+                p->m_pReferenceDialog->close();
+            } else if (step[0] != "tick") {
+                QFAIL(qPrintable("no such step: " + text));
+            }
+            if (step[0] == "show" || step[0] == "tick")
+                QMetaObject::invokeMethod(p, "onTimer");
         }
+    }
+
+    // What the page shows and holds, by short names. Flags are 0 and 1; selector index/state
+    // pairs; min, max and length the value held and the field's text; layout "power" or "loss"
+    // when the controls show exactly that mode's layout; terminated: the saved value and the
+    // captured one end within their fields.
+    static Keys state(NerioOpm* p)
+    {
+        const auto n = [](double value) { return QString::number(value); };
+        const auto colour = [](const QColor& c) {
+            return Keys { { "#ff0000", "red" }, { "#00ff00", "green" }, { "#000000", "black" },
+                          { "#a0a0a4", "grey" }, { "#ffffff", "white" } }.value(c.name(), c.name());
+        };
+        QStringList refs;
+        for (const auto& ref : p->m_aWaveLengthRef)
+            refs << fieldText(ref);
+        QString layout;
+        for (QWidget* w : std::initializer_list<QWidget*> {
+                     p->m_pdBm, p->m_pmW, p->m_puW, p->m_pReference, p->m_pLossMeterUnit, p->m_pLossLength,
+                     p->m_pLabelLossLength, p->m_pOpmRefLabel, p->m_pOffsetBarResult })
+            layout += w->isHidden() ? '-' : '+';
+        layout += ' ' + n(p->m_pLimits->minimumWidth()) + '/' + n(p->m_pLimits->maximumWidth());
+        layout = Keys { { "+++-----+ 190/190", "power" }, { "---++++++ 120/120", "loss" } }
+                         .value(layout, layout);
+        const Result& r = p->m_result;
+        const OffsetBar* bar = p->m_pOffsetBarResult;
+        const QRect place = bar->geometry();
+        return { { "label", p->m_pOpmCurValue->text() },
+                 { "colour", colour(p->m_pOpmCurValue->textColor()) },
+                 { "title", p->m_pOpmInfoTitle->text() }, { "summary", p->m_pSummary->text() },
+                 { "unitButton", p->m_pdBm->text() }, { "caption", p->m_pLimits->text() },
+                 { "layout", layout },
+                 { "wave", n(p->m_pWaveLength->currentIndex()) + '/' + n(p->m_eWaveLength) },
+                 { "refs", refs.join(' ') }, { "refLabel", p->m_pOpmRefLabel->text() },
+                 { "capture", fieldText(p->m_sOpmRef.value) + '/' + n(p->m_sOpmRef.flag) },
+                 { "dialog", p->m_pReferenceDialog ? "open" : "none" },
+                 { "mode", n(p->m_pTestMode->currentIndex()) + '/' + n(p->m_eTestMode) },
+                 { "modeText", p->m_pTestMode->currentText() }, { "unit", n(p->m_eRusultUnit) },
+                 { "timer", p->m_pTimer->isActive() ? n(p->m_pTimer->interval()) : "off" },
+                 { "lossUnit", n(p->m_pLossMeterUnit->currentIndex()) + '/' + n(p->m_eLossLengthType)
+                                       + ' ' + colour(p->m_pLabelLossLength->textColor()) },
+                 { "limits", n(p->m_pLimits->isChecked()) + n(p->m_bPowerLimits) + n(r.isLimit) },
+                 { "enabled", n(p->m_pMinimum->isEnabled()) + n(p->m_pMaximum->isEnabled())
+                                      + n(p->m_pLossMeterUnit->isEnabled())
+                                      + n(p->m_pLossLength->isEnabled()) },
+                 { "min", n(p->m_fPowerMin) + ' ' + p->m_pMinimum->text() },
+                 { "max", n(p->m_fPowerMax) + ' ' + p->m_pMaximum->text() },
+                 { "length", n(p->m_fLength) + " '" + p->m_pLossLength->text() + '\'' },
+                 { "bar", barText(*bar) }, { "pass", n(p->m_bPass) },
+                 { "barPlace", n(place.x()) + ',' + n(place.y()) + ' ' + n(place.width()) + 'x'
+                                       + n(place.height()) },
+                 { "barInScale", n(bar->percent() >= 0 && bar->percent() <= 100 && bar->markerX() >= -1
+                                   && bar->markerX() <= 245) },
+                 { "terminated", n(std::memchr(r.value, 0, sizeof r.value)
+                                   && std::memchr(p->m_sOpmRef.value, 0, sizeof p->m_sOpmRef.value)) },
+                 { "value", fieldText(r.value) }, { "limitsUnit", fieldText(r.limitsUnit) },
+                 { "fiberLength", fieldText(r.fiberLength) }, { "testMode", fieldText(r.testMode) },
+                 { "ref", fieldText(r.ref) }, { "verdict", fieldText(r.pass) } };
+    }
+};
+
+// The settings file's [COpmSetup] group as it is on disk (QSettings caches in-process).
+inline Keys storedSetup()
+{
+    Keys keys;
+    QFile file(DevicePaths::settingFile());
+    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    bool inGroup = false;
+    for (const QByteArray& raw : text.split('\n')) {
+        const QString line = QString::fromUtf8(raw).trimmed();
         const int eq = line.indexOf(QLatin1Char('='));
-        if (!inGroup || eq <= 0)
-            continue;
-        QString value = line.mid(eq + 1).trimmed();
-        if (value.size() >= 2 && value.startsWith(QLatin1Char('"')) && value.endsWith(QLatin1Char('"')))
-            value = value.mid(1, value.size() - 2);
-        keys.insert(line.left(eq).trimmed(), value);
+        if (line.startsWith(QLatin1Char('[')))
+            inGroup = line == QLatin1String("[COpmSetup]");
+        else if (inGroup && eq > 0)
+            keys.insert(line.left(eq).trimmed(),
+                        line.mid(eq + 1).trimmed().remove(QRegularExpression("^\"|\"$")));
     }
     return keys;
 }
 
-inline QByteArray setupText(const QMap<QString, QString>& keys)
+inline QByteArray setupText(const Keys& keys)
 {
     QByteArray text = "[COpmSetup]\n";
     for (auto it = keys.cbegin(); it != keys.cend(); ++it)
@@ -131,38 +194,85 @@ inline QByteArray setupText(const QMap<QString, QString>& keys)
     return text;
 }
 
-// The order every page test builds in: its own device root, the reader's side, then the page
-// (with an empty result store and, when given, a settings file written beforehand).
+// The order every page test builds in: a closer for any box, its own device root, the reader's
+// side, then the page (with an empty result store and, when given, a settings file).
 struct PageFixture
 {
-    explicit PageFixture(const QByteArray& settings = QByteArray(), bool build = true)
+    explicit PageFixture(const Keys& settings = Keys(), bool build = true)
     {
         CBrovaOpmDataEngine::getSingleInstance()->clearAllresultItem();
-        if (!settings.isNull())
-            root.writeFile(QStringLiteral("/home/Setting/opmSetup.conf"), settings);
+        if (!settings.isEmpty())
+            root.writeFile(QStringLiteral("/home/Setting/opmSetup.conf"), setupText(settings));
         if (build)
             buildPage();
     }
+    ~PageFixture() { buildPage(false); }
     // A new page on the same root, as after a restart.
-    void buildPage()
+    void buildPage(bool rebuild = true)
     {
         page.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        page.reset(new NerioOpm);
+        if (rebuild)
+            page.reset(new NerioOpm);
     }
-    ~PageFixture()
-    {
-        page.reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
-    OpmShareRecord* record() { return reader.record(); }
-    NerioOpm* operator->() const { return page.get(); }
     NerioOpm* get() const { return page.get(); }
+    void act(const QString& steps) { OpmPageProbe::act(get(), reader, steps); }
 
+    // The page's state with the reader's side (the wavelength asked for, the save request), the
+    // store's count, the boxes shown and the last one's "title: text", and the settings file:
+    // its number of keys and each key as "file:<key>".
+    Keys state()
+    {
+        const Keys file = storedSetup();
+        Keys keys = with(OpmPageProbe::state(get()), inFile(file));
+        keys.insert("target", QString::number(reader.record()->wavelenthTarget));
+        keys.insert("needSave", QString::number(reader.record()->needSave));
+        keys.insert("stored",
+                    QString::number(CBrovaOpmDataEngine::getSingleInstance()->getResultItemCount()));
+        keys.insert("boxes", QString::number(closer.count()));
+        keys.insert("file", QString::number(file.size()));
+        if (closer.count())
+            keys.insert("box", closer.boxes().last().title + ": " + closer.boxes().last().text);
+        return keys;
+    }
+    // Each named fact as expected.
+    void verify(const Keys& expected)
+    {
+        const Keys shown = state();
+        for (auto it = expected.cbegin(); it != expected.cend(); ++it)
+            QVERIFY2(shown.contains(it.key()) && shown.value(it.key()) == it.value(),
+                     qPrintable(it.key() + ": '" + shown.value(it.key()) + "', expected '" + it.value()
+                                + "'"));
+    }
+
+    ModalBoxCloser closer;
     TestDeviceRoot root;
     RecordWriter reader;
     std::unique_ptr<NerioOpm> page;
 };
+
+// A case as a row of a table: the page built on `settings`, its settings file then removed, the
+// `steps`, and the `expected` facts. Without a "file:" key among them no file may be written;
+// with one, a file of all thirteen keys.
+inline void addScenarioColumns()
+{
+    QTest::addColumn<Keys>("settings");
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<Keys>("expected");
+}
+
+inline void runScenario()
+{
+    QFETCH(Keys, settings);
+    QFETCH(QString, steps);
+    QFETCH(Keys, expected);
+
+    PageFixture fx(settings);
+    QVERIFY(QFile::remove(DevicePaths::settingFile()));
+    fx.act(steps);
+    const auto first = expected.lowerBound("file:");
+    const bool saved = first != expected.end() && first.key().startsWith("file:");
+    fx.verify(with({ { "file", saved ? "13" : "0" } }, expected));
+}
 
 #endif // OPMPAGEPROBE_H
