@@ -29,14 +29,30 @@ namespace {
 const char* const kWaveLengthTexts[] = { "850", "1310", "1490", "1550", "1625" };
 const int kWaveLengthCount = 5;
 
-// Index of a wavelength text of the reader or of the settings, or -1.
-int waveLengthIndex(const char* text)
+// Display units as the settings file keeps them; "dB" stands for the dBm display.
+const char* const kUnitTexts[] = { "dB", "mW", "uW" };
+
+// Index of text in a list of the reader's or the settings file's texts, or -1.
+template <size_t N>
+int indexIn(const char* const (&texts)[N], const char* text)
 {
-    for (int i = 0; i < kWaveLengthCount; ++i) {
-        if (std::strcmp(text, kWaveLengthTexts[i]) == 0)
-            return i;
+    for (size_t i = 0; i < N; ++i) {
+        if (std::strcmp(text, texts[i]) == 0)
+            return int(i);
     }
     return -1;
+}
+
+int waveLengthIndex(const char* text) { return indexIn(kWaveLengthTexts, text); }
+
+QString powerLimitsCaption(RusultUnit unit)
+{
+    switch (unit) {
+    case mW: return QObject::tr("Power Limits (mW)");
+    case uW: return QObject::tr("Power Limits (uW)");
+    case dB: break;
+    }
+    return QObject::tr("Power Limits (dBm)");
 }
 
 // Readings arrive as text; a number beyond the float range becomes an infinity rather than an
@@ -434,14 +450,8 @@ void NerioOpm::translate()
     m_pLabelLossLength->setText(QObject::tr("Length (km)"));
     m_pSave->setText(QObject::tr("Save"));
 
-    if (m_eTestMode == LossMeter)
-        m_pLimits->setText(QObject::tr("Loss Limits"));
-    else if (m_eRusultUnit == mW)
-        m_pLimits->setText(QObject::tr("Power Limits (mW)"));
-    else if (m_eRusultUnit == uW)
-        m_pLimits->setText(QObject::tr("Power Limits (uW)"));
-    else
-        m_pLimits->setText(QObject::tr("Power Limits (dBm)"));
+    m_pLimits->setText(m_eTestMode == LossMeter ? QObject::tr("Loss Limits")
+                                                : powerLimitsCaption(m_eRusultUnit));
 
     pMinimum->setText(QObject::tr("Minimum"));
     pMaximum->setText(QObject::tr("Maximum"));
@@ -864,20 +874,10 @@ void NerioOpm::onBtnChanged()
         startReference();
     } else if (button == m_pHold) {
         m_bHold = !m_bHold;
-    } else if (button == m_pdBm) {
-        m_eRusultUnit = dB;
-        m_pLimits->setText(QObject::tr("Power Limits (dBm)"));
-        m_config.mUnit = "dB";
-        m_config.COpmSetupConfigSave();
-    } else if (button == m_pmW) {
-        m_eRusultUnit = mW;
-        m_pLimits->setText(QObject::tr("Power Limits (mW)"));
-        m_config.mUnit = "mW";
-        m_config.COpmSetupConfigSave();
-    } else if (button == m_puW) {
-        m_eRusultUnit = uW;
-        m_pLimits->setText(QObject::tr("Power Limits (uW)"));
-        m_config.mUnit = "uW";
+    } else if (button == m_pdBm || button == m_pmW || button == m_puW) {
+        m_eRusultUnit = button == m_pmW ? mW : button == m_puW ? uW : dB;
+        m_pLimits->setText(powerLimitsCaption(m_eRusultUnit));
+        m_config.mUnit = kUnitTexts[m_eRusultUnit];
         m_config.COpmSetupConfigSave();
     }
 }
@@ -1000,13 +1000,12 @@ void NerioOpm::onReferBtnChanged()
         DelReferenceDialog();
         m_config.COpmSetupConfigSave();
     } else if (button == m_pReferenceCancel) {
-        puts("m_pReferenceCancel ");
-        DelReferenceDialog();
-        m_sOpmRef.flag = 0;
+        handleDialog();
     }
 }
 
-// The reference dialog went away without Set: keep the stored value and follow the reading.
+// Cancel, or the reference dialog went away otherwise: keep the stored value and follow the
+// reading again.
 void NerioOpm::handleDialog()
 {
     if (!m_pReferenceDialog)
@@ -1080,21 +1079,12 @@ void NerioOpm::loadConfig()
     if (!isValidLength(m_fLength))
         m_fLength = 1.0f;
 
-    if (m_config.mUnit == "dB") {
-        m_eRusultUnit = dB;
-        FixedText::copy(m_result.limitsUnit, "dB");
+    const int unit = indexIn(kUnitTexts, m_config.mUnit.toLatin1().constData());
+    if (unit >= 0) {
+        m_eRusultUnit = RusultUnit(unit);
+        FixedText::copy(m_result.limitsUnit, kUnitTexts[unit]);
         if (m_eTestMode == PowerMeter)
-            m_pLimits->setText(QObject::tr("Power Limits (dBm)"));
-    } else if (m_config.mUnit == "mW") {
-        m_eRusultUnit = mW;
-        FixedText::copy(m_result.limitsUnit, "mW");
-        if (m_eTestMode == PowerMeter)
-            m_pLimits->setText(QObject::tr("Power Limits (mW)"));
-    } else if (m_config.mUnit == "uW") {
-        m_eRusultUnit = uW;
-        FixedText::copy(m_result.limitsUnit, "uW");
-        if (m_eTestMode == PowerMeter)
-            m_pLimits->setText(QObject::tr("Power Limits (uW)"));
+            m_pLimits->setText(powerLimitsCaption(m_eRusultUnit));
     } else {
         FixedText::copy(m_result.limitsUnit, "dB");
     }
