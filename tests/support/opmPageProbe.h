@@ -64,6 +64,9 @@ struct OpmPageProbe
 {
     static CDialog* m_pReferenceDialog(NerioOpm* p) { return p->m_pReferenceDialog; }
     static QTimer* m_pTimer(NerioOpm* p) { return p->m_pTimer; }
+    static NerioOpm* setupPage(COpmMainPage* p) { return p->m_pTableOpmSetup; }
+    // One poll of the reader, without the cost of a step.
+    static void tick(NerioOpm* p) { p->onTimer(); }
 
     // Steps separated by ';'. The operator's: "click <button>", "choose <selector> <index>" and
     // "enter <field> <text>" (only these signals reach the page's slots), "escape" or "close" on
@@ -76,7 +79,7 @@ struct OpmPageProbe
             const QStringList step = text.simplified().split(' ');
             const QMap<QString, QAbstractButton*> buttons {
                 { "hold", p->m_pHold }, { "save", p->m_pSave }, { "reference", p->m_pReference },
-                { "mW", p->m_pmW }, { "uW", p->m_puW }, { "limits", p->m_pLimits },
+                { "dBm", p->m_pdBm }, { "mW", p->m_pmW }, { "uW", p->m_puW }, { "limits", p->m_pLimits },
                 { "set", p->m_pReferenceSet }, { "cancel", p->m_pReferenceCancel } };
             const QMap<QString, CComboBox*> selectors {
                 { "wave", p->m_pWaveLength }, { "mode", p->m_pTestMode },
@@ -161,7 +164,8 @@ struct OpmPageProbe
                                    && bar->markerX() <= 245) },
                  { "terminated", n(std::memchr(r.value, 0, sizeof r.value)
                                    && std::memchr(p->m_sOpmRef.value, 0, sizeof p->m_sOpmRef.value)) },
-                 { "value", fieldText(r.value) }, { "limitsUnit", fieldText(r.limitsUnit) },
+                 { "value", fieldText(r.value) }, { "waveLenth", fieldText(r.waveLenth) },
+                 { "limitsUnit", fieldText(r.limitsUnit) },
                  { "fiberLength", fieldText(r.fiberLength) }, { "testMode", fieldText(r.testMode) },
                  { "ref", fieldText(r.ref) }, { "verdict", fieldText(r.pass) } };
     }

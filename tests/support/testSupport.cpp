@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QWidget>
 
+#include <cstdio>
 #include <cstring>
 #include <vector>
 #include <sys/ipc.h>
@@ -92,12 +93,17 @@ bool TestDeviceRoot::writeFile(const QString& setPath, const QByteArray& data) c
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(data) == data.size();
 }
 
-bool TestDeviceRoot::installReaderStandIn() const
+bool TestDeviceRoot::installReader(const QString& program) const
 {
     const QString target = DevicePaths::readerProgram();
     QFile::remove(target);
-    return QFile::copy(QStringLiteral(READER_STAND_IN_PATH), target)
+    return QFile::copy(program, target)
             && QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+bool TestDeviceRoot::installReaderStandIn() const
+{
+    return installReader(QStringLiteral(READER_STAND_IN_PATH));
 }
 
 int TestDeviceRoot::readerStarts() const
@@ -180,4 +186,32 @@ void ModalBoxCloser::closeActive()
         else
             box->close();
     }
+}
+
+StdoutCapture::StdoutCapture(Mode mode)
+    : m_saved(dup(STDOUT_FILENO)), m_file(mode == Keep ? std::tmpfile() : std::fopen("/dev/null", "w"))
+{
+    std::fflush(stdout);
+    if (m_file && m_saved != -1)
+        dup2(fileno(m_file), STDOUT_FILENO);
+}
+
+QByteArray StdoutCapture::take()
+{
+    if (!m_file || m_saved == -1)
+        return QByteArray();
+    std::fflush(stdout);
+    dup2(m_saved, STDOUT_FILENO);
+    close(m_saved);
+    m_saved = -1;
+    QByteArray text;
+    const long size = std::fseek(m_file, 0, SEEK_END) == 0 ? std::ftell(m_file) : 0;
+    if (size > 0) {
+        text.resize(int(size));
+        std::rewind(m_file);
+        text.resize(int(std::fread(text.data(), 1, size_t(text.size()), m_file)));
+    }
+    std::fclose(m_file);
+    m_file = nullptr;
+    return text;
 }

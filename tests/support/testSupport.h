@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 
@@ -32,6 +33,8 @@ public:
     QByteArray readFile(const QString& setPath) const;
     bool writeFile(const QString& setPath, const QByteArray& data) const;
 
+    // Installs a program at the reader's path.
+    bool installReader(const QString& program) const;
     // Installs a reader stand-in at the reader's path: a program that notes each start in
     // file("/reader-starts") and then waits to be killed.
     bool installReaderStandIn() const;
@@ -79,6 +82,26 @@ private:
 
     QTimer m_timer;
     QList<Box> m_boxes;
+};
+
+// Catches what the code under test writes to standard output (its trace lines), or with Discard
+// only keeps it off the test's output. Keep it around the calls only: QtTest reports through
+// standard output too.
+class StdoutCapture
+{
+public:
+    enum Mode { Keep, Discard };
+    explicit StdoutCapture(Mode mode = Keep);
+    ~StdoutCapture() { take(); }
+    StdoutCapture(const StdoutCapture&) = delete;
+    StdoutCapture& operator=(const StdoutCapture&) = delete;
+
+    // Ends the capture and returns what was written (nothing when discarded).
+    QByteArray take();
+
+private:
+    int m_saved = -1;
+    std::FILE* m_file = nullptr;
 };
 
 #endif // TESTSUPPORT_H
