@@ -95,6 +95,9 @@ void TestSetupConfig::storedFile_data()
             << Section { { "Wavelength", "1550" }, { "UNIT", "mW" }, { "Reference1310", "-3.25" } };
     QTest::newRow("loss unit dB kept as stored")
             << QByteArray("[COpmSetup]\nLossUnit=dB\n") << Section { { "LossUnit", "dB" } };
+    QTest::newRow("10 kB value kept")
+            << "[COpmSetup]\nLossLength=" + QByteArray(10240, '9') + '\n'
+            << Section { { "LossLength", QString(10240, '9') } };
     QTest::newRow("unquoted commas read as one text")
             << QByteArray("[COpmSetup]\nUNIT=a, b\nReference850=1,2,3\n")
             << Section { { "UNIT", "a, b" }, { "Reference850", "1, 2, 3" } };

@@ -29,8 +29,11 @@ void TestOpmControls::edit_data()
     QTest::newRow("min at bottom") << "-30 0" << "enter min -60" << "-60" << "-60 0 7";
     QTest::newRow("min with decimals") << "-60 10" << "enter min -12.50" << "-12.50" << "-12.5 10 7";
     QTest::newRow("length zero") << "-60 10" << "enter length 0" << "1" << "-60 10 1";
-    QTest::newRow("length negative") << "-60 10" << "enter length -3" << "1" << "-60 10 1";
+    QTest::newRow("length negative") << "-60 10" << "enter length -1" << "1" << "-60 10 1";
     QTest::newRow("length above range") << "-60 10" << "enter length 100000" << "1" << "-60 10 1";
+    QTest::newRow("length 1e30") << "-60 10" << "enter length 1e30" << "1" << "-60 10 1";
+    QTest::newRow("length nan") << "-60 10" << "enter length nan" << "1" << "-60 10 1";
+    QTest::newRow("min nan") << "-60 10" << "enter min nan" << "-60" << "-60 10 7";
     QTest::newRow("length at top") << "-60 10" << "enter length 99999" << "99999" << "-60 10 99999";
     QTest::newRow("length trailing zero") << "-60 10" << "enter length 2.50" << "2.50" << "-60 10 2.5";
 }

@@ -95,8 +95,10 @@ void TestOpmReading::scenario_data()
                                   << with(at1490, { { "label", "3.000000 dB" } });
     QTest::newRow("measures at 1490") << refs << "show 1490 -8; tick"
                                       << with(at1490, { { "label", "5.000000 dB" } });
-    QTest::newRow("980 changes nothing") << refs << "show 1490 -8; show 980 -9"
-                                         << with(at1490, { { "label", "6.000000 dB" } });
+    for (const char* other : { "980", "0", "99999" }) {
+        QTest::addRow("%s changes nothing", other) << refs << QString("show 1490 -8; show %1 -9").arg(other)
+                                                   << with(at1490, { { "label", "6.000000 dB" } });
+    }
 
     // The summary shows the last saved reading from the next tick on.
     const QString saved = "Last Saved - Loc#1 Wave length:1550 nm , Mode:Power Meter , "
@@ -126,7 +128,10 @@ void TestOpmReading::hostileValues_data()
     QTest::newRow("nan") << QByteArray("nan") << "dBm" << "dB" << "";
     QTest::newRow("inf mW") << QByteArray("inf") << "dBm" << "mW" << "";
     QTest::newRow("1e308") << QByteArray("1e308") << "dBm" << "dB" << "";
+    QTest::newRow("1e400") << QByteArray("1e400") << "dBm" << "dB" << "";
     QTest::newRow("-1e-320") << QByteArray("-1e-320") << "dBm" << "dB" << "-0.000 dBm";
+    QTest::newRow("-0") << QByteArray("-0") << "dBm" << "dB" << "-0.000 dBm";
+    QTest::newRow("empty") << QByteArray("") << "dBm" << "dB" << "0.000 dBm";
     // Sixteen bytes without a NUL: the page reads fifteen of them.
     QTest::newRow("no NUL") << QByteArray("-12.345678901234", 16) << "dBm" << "dB" << "-12.346 dBm";
     // Fifteen characters plus the sign: the text is cut at fifteen.

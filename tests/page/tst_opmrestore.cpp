@@ -37,8 +37,10 @@ void TestOpmRestore::restore_data()
             << Keys { { "Wavelength", "1550" }, { "Reference1550", "-7.5" } }
             << Keys { { "wave", "3/0" }, { "target", "3" }, { "refs", "0 0 0 -7.5 0" },
                       { "refLabel", "Ref.: -7.5 dBm" } };
-    QTest::newRow("unknown wavelength") << Keys { { "Wavelength", "980" }, { "Reference850", "-1" } }
-            << Keys { { "target", "4" }, { "refs", "-1 0 0 0 0" } };
+    for (const char* wave : { "980", "0", "99999" }) {
+        QTest::addRow("wavelength %s", wave) << Keys { { "Wavelength", wave }, { "Reference850", "-1" } }
+                << Keys { { "target", "4" }, { "refs", "-1 0 0 0 0" } };
+    }
     QTest::newRow("mW") << Keys { { "UNIT", "mW" } }
             << Keys { { "unit", "1" }, { "limitsUnit", "mW" }, { "caption", "Power Limits (mW)" } };
     // Not a loss unit the page knows: no step, so the caption keeps the white it was built with.
@@ -49,10 +51,16 @@ void TestOpmRestore::restore_data()
             << with(on, { { "enabled", "1110" }, { "min", "5 5" }, { "max", "-5 -5" },
                           { "bar", barFor(5, -5, 0) } });
     // Cut to its field on the page; the file keeps it until a Set rewrites it.
-    QTest::newRow("long reference") << Keys { { "Reference850", "-12.3456789012345678" } }
+    QTest::newRow("reference of 40 characters")
+            << Keys { { "Reference850", "-12.3456789012345678901234567890123456789" } }
             << Keys { { "refs", "-12.34567890123 0 0 0 0" },
                       { "refLabel", "Ref.: -12.34567890123 dBm" } };
-    for (const char* length : { "abc", "0", "-2", "100000" }) {
+    QTest::newRow("reference of 10 kB") << Keys { { "Reference850", QString(10240, '7') } }
+            << Keys { { "refs", "777777777777777 0 0 0 0" }, { "refLabel", "Ref.: 777777777777777 dBm" } };
+    // Keys differ in case: not the page's, kept in the file as they are.
+    QTest::newRow("keys in other case") << Keys { { "wavelength", "1550" }, { "Unit", "mW" } }
+            << Keys { { "file", "15" } };
+    for (const char* length : { "abc", "0", "-1", "100000", "1e30" }) {
         QTest::addRow("length %s", length)
                 << Keys { { "LossUnit", "mi" }, { "PowerLimit", "enable" }, { "LossLength", length } }
                 << with(on, { { "lossUnit", "2/2 white" }, { "length", "1 '1'" } });
