@@ -1,0 +1,2 @@
+# The Result tab and the HTML report.
+opm_add_test(tst_resultpage results/tst_resultpage.cpp results/resultRows.h ${OPM_PAGE_PROBE})
