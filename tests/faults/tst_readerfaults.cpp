@@ -49,7 +49,7 @@ void TestReaderFaults::init()
     m_main->setGeometry(141, 61, 658, 398);
     m_main->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
-    m_setup = P::setupPage(m_main.get());
+    m_setup = P::m_pTableOpmSetup(m_main.get());
     QTRY_VERIFY_WITH_TIMEOUT(kReading.match(P::state(m_setup).value("label")).hasMatch(), kWaitMs);
     QCOMPARE(m_fx->root.runningReaders(), 1);
 }

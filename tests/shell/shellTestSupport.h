@@ -8,9 +8,6 @@
 #include <QFileInfo>
 #include <QTest>
 
-#include <cstdio>
-#include <unistd.h>
-
 // Waits until exactly expected readers of the current device root run. A reader may still be
 // on its way from the shell to the program: the count is taken only once every running reader
 // has noted its start, so that one still starting cannot make it look right for a moment.

@@ -2,10 +2,12 @@
 
 #include "devicePaths.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QWidget>
 
@@ -214,4 +216,19 @@ QByteArray StdoutCapture::take()
     std::fclose(m_file);
     m_file = nullptr;
     return text;
+}
+
+bool answerKeyPad(QWidget* box, const QString& entry)
+{
+    auto* edit = box->findChild<QLineEdit*>();
+    if (box->objectName() != QLatin1String("CKeyPad") || !edit)
+        return false;
+    if (!entry.isNull())
+        edit->setText(entry);
+    auto* button = box->findChild<QAbstractButton*>(entry.isNull() ? QStringLiteral("Cancel")
+                                                                    : QStringLiteral("OK"));
+    if (!button)
+        return false;
+    button->click();
+    return true;
 }

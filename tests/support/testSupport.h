@@ -104,4 +104,8 @@ private:
     std::FILE* m_file = nullptr;
 };
 
+// Answers the on-screen keypad: types entry and presses OK, or presses Cancel when entry is
+// null. Returns false when box is not the keypad.
+bool answerKeyPad(QWidget* box, const QString& entry);
+
 #endif // TESTSUPPORT_H
