@@ -1,10 +1,11 @@
-// Files taken away while the page runs: the settings file or its folders.
+// Files taken away while the page runs: the settings file or its folders, the report folder.
 #include "opmPageProbe.h"
 
 namespace {
 
 const QString kSettingFile = QStringLiteral("/home/Setting/opmSetup.conf");
 const QByteArray kTrace = "COpmSetupConfig cannot write ";
+const QString kReportDir = QStringLiteral("/home/brova/brova-rslt/opm");
 
 } // namespace
 
@@ -14,6 +15,7 @@ class TestFileFaults : public QObject
 private slots:
     void settingsLost_data();
     void settingsLost();
+    void reportFolderReplaced();
 };
 
 void TestFileFaults::settingsLost_data()
@@ -57,6 +59,35 @@ void TestFileFaults::settingsLost()
     fx.act("click limits");
     fx.verify({ { "file", "13" }, { "file:Wavelength", "1550" }, { "file:UNIT", "mW" },
                 { "file:PowerLimit", "enable" } });
+}
+
+// F1 with a file where the report folder was: the failure is traced, nothing is written and the
+// page goes on; with the folder back the next export works again.
+void TestFileFaults::reportFolderReplaced()
+{
+    PageFixture fx(Keys(), false);
+    QVERIFY(fx.root.installReaderStandIn());
+    COpmMainPage main;
+    main.show();
+    fx.closer.handler = [](QWidget* box) { return answerKeyPad(box, "site"); };
+    OpmPageProbe::act(OpmPageProbe::m_pTableOpmSetup(&main), fx.reader, "show 1550 -12.34; click save");
+    QTest::keyClick(&main, Qt::Key_F1);
+    QVERIFY(QDir(fx.root.file(kReportDir)).removeRecursively());
+    QVERIFY(fx.root.writeFile(kReportDir, "in the way"));
+
+    StdoutCapture capture;
+    QTest::keyClick(&main, Qt::Key_F1);
+    const QByteArray trace = capture.take();
+    QVERIFY2(trace.contains("opm create save result file error \n"), trace.constData());
+    QCOMPARE(fx.root.readFile(kReportDir), QByteArray("in the way"));
+    QCOMPARE(QDir(fx.root.file("/home/brova/brova-rslt")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+             QStringList { "opm" });
+
+    QVERIFY(QFile::remove(fx.root.file(kReportDir)));
+    OpmPageProbe::act(OpmPageProbe::m_pTableOpmSetup(&main), fx.reader, "show 1550 -7.5; click save");
+    QTest::keyClick(&main, Qt::Key_F1);
+    QVERIFY(fx.root.readFile(kReportDir + "/site.html").contains("-7.500 dBm"));
+    QCOMPARE(fx.closer.count(), 3); // the three keypads, no other box
 }
 
 QTEST_MAIN(TestFileFaults)
