@@ -69,9 +69,11 @@ void TestFileFaults::reportFolderReplaced()
     QVERIFY(fx.root.installReaderStandIn());
     COpmMainPage main;
     main.show();
+    NerioOpm* setup = OpmPageProbe::m_pTableOpmSetup(&main);
     fx.closer.handler = [](QWidget* box) { return answerKeyPad(box, "site"); };
-    OpmPageProbe::act(OpmPageProbe::m_pTableOpmSetup(&main), fx.reader, "show 1550 -12.34; click save");
+    OpmPageProbe::act(setup, fx.reader, "show 1550 -12.34; click save");
     QTest::keyClick(&main, Qt::Key_F1);
+    QVERIFY(QFileInfo(fx.root.file(kReportDir + "/site.html")).isFile());
     QVERIFY(QDir(fx.root.file(kReportDir)).removeRecursively());
     QVERIFY(fx.root.writeFile(kReportDir, "in the way"));
 
@@ -80,11 +82,12 @@ void TestFileFaults::reportFolderReplaced()
     const QByteArray trace = capture.take();
     QVERIFY2(trace.contains("opm create save result file error \n"), trace.constData());
     QCOMPARE(fx.root.readFile(kReportDir), QByteArray("in the way"));
-    QCOMPARE(QDir(fx.root.file("/home/brova/brova-rslt")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+    const QDir parent(fx.root.file("/home/brova/brova-rslt"));
+    QCOMPARE(parent.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
              QStringList { "opm" });
 
     QVERIFY(QFile::remove(fx.root.file(kReportDir)));
-    OpmPageProbe::act(OpmPageProbe::m_pTableOpmSetup(&main), fx.reader, "show 1550 -7.5; click save");
+    OpmPageProbe::act(setup, fx.reader, "show 1550 -7.5; click save");
     QTest::keyClick(&main, Qt::Key_F1);
     QVERIFY(fx.root.readFile(kReportDir + "/site.html").contains("-7.500 dBm"));
     QCOMPARE(fx.closer.count(), 3); // the three keypads, no other box

@@ -122,8 +122,9 @@ void TestRecordFaults::scribbledRecord()
 {
     PageFixture fx({ { "PowerLimit", "enable" } });
     NerioOpm* page = fx.get();
-    const QStringList setups { "click dBm", "click mW", "click uW", "choose mode 1; choose lossUnit 0",
-                               "choose lossUnit 1", "choose lossUnit 2; choose mode 0" };
+    const QStringList setups { "click dBm", "click mW", "click uW",
+                               "choose mode 1; choose lossUnit 0", "choose lossUnit 1",
+                               "choose lossUnit 2; choose mode 0" };
     const pid_t writer = startScribbler(fx.reader.record());
     QVERIFY(writer > 0);
     QTRY_VERIFY(fx.reader.record()->deviceType[0] != 0);

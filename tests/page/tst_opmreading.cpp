@@ -96,8 +96,9 @@ void TestOpmReading::scenario_data()
     QTest::newRow("measures at 1490") << refs << "show 1490 -8; tick"
                                       << with(at1490, { { "label", "5.000000 dB" } });
     for (const char* other : { "980", "0", "99999" }) {
-        QTest::addRow("%s changes nothing", other) << refs << QString("show 1490 -8; show %1 -9").arg(other)
-                                                   << with(at1490, { { "label", "6.000000 dB" } });
+        QTest::addRow("%s changes nothing", other)
+                << refs << QString("show 1490 -8; show %1 -9").arg(other)
+                << with(at1490, { { "label", "6.000000 dB" } });
     }
 
     // The summary shows the last saved reading from the next tick on.

@@ -38,7 +38,8 @@ void TestOpmRestore::restore_data()
             << Keys { { "wave", "3/0" }, { "target", "3" }, { "refs", "0 0 0 -7.5 0" },
                       { "refLabel", "Ref.: -7.5 dBm" } };
     for (const char* wave : { "980", "0", "99999" }) {
-        QTest::addRow("wavelength %s", wave) << Keys { { "Wavelength", wave }, { "Reference850", "-1" } }
+        QTest::addRow("wavelength %s", wave)
+                << Keys { { "Wavelength", wave }, { "Reference850", "-1" } }
                 << Keys { { "target", "4" }, { "refs", "-1 0 0 0 0" } };
     }
     QTest::newRow("mW") << Keys { { "UNIT", "mW" } }
@@ -56,7 +57,8 @@ void TestOpmRestore::restore_data()
             << Keys { { "refs", "-12.34567890123 0 0 0 0" },
                       { "refLabel", "Ref.: -12.34567890123 dBm" } };
     QTest::newRow("reference of 10 kB") << Keys { { "Reference850", QString(10240, '7') } }
-            << Keys { { "refs", "777777777777777 0 0 0 0" }, { "refLabel", "Ref.: 777777777777777 dBm" } };
+            << Keys { { "refs", "777777777777777 0 0 0 0" },
+                      { "refLabel", "Ref.: 777777777777777 dBm" } };
     // Keys differ in case: not the page's, kept in the file as they are.
     QTest::newRow("keys in other case") << Keys { { "wavelength", "1550" }, { "Unit", "mW" } }
             << Keys { { "file", "15" } };

@@ -21,7 +21,8 @@ void TestOpmSave::scenario_data()
     QTest::newRow("reader's save into a full store") << Keys() << twelve + "; request; tick"
             << Keys { { "stored", "12" }, { "boxes", "1" }, { "box", full }, { "needSave", "0" } };
     // A reader asking on every tick: one box for each request past the twelfth.
-    QTest::newRow("request on every tick") << Keys() << "show 1550 -12.34" + QString("; request; tick").repeated(14)
+    QTest::newRow("request on every tick")
+            << Keys() << "show 1550 -12.34" + QString("; request; tick").repeated(14)
             << Keys { { "stored", "12" }, { "boxes", "2" }, { "box", full }, { "needSave", "0" } };
 
     // A reading of -7 dBm, then the reader's state and save request with the next one, then Save:
@@ -34,7 +35,8 @@ void TestOpmSave::scenario_data()
     QTest::newRow("not connected") << Keys() << steps.arg(2)
                                    << with(kept, { { "label", "OPM Not Connected!" } });
     for (int other : { 3, -1, 7 })
-        QTest::addRow("state %d", other) << Keys() << steps.arg(other) << with(shown, { { "stored", "0" } });
+        QTest::addRow("state %d", other)
+                << Keys() << steps.arg(other) << with(shown, { { "stored", "0" } });
     QTest::newRow("reading") << Keys() << steps.arg(1)
                              << with(shown, { { "stored", "2" }, { "boxes", "0" } });
 }

@@ -88,7 +88,8 @@ struct OpmPageProbe
             const QStringList step = text.simplified().split(' ');
             const QMap<QString, QAbstractButton*> buttons {
                 { "hold", p->m_pHold }, { "save", p->m_pSave }, { "reference", p->m_pReference },
-                { "dBm", p->m_pdBm }, { "mW", p->m_pmW }, { "uW", p->m_puW }, { "limits", p->m_pLimits },
+                { "dBm", p->m_pdBm }, { "mW", p->m_pmW }, { "uW", p->m_puW },
+                { "limits", p->m_pLimits },
                 { "set", p->m_pReferenceSet }, { "cancel", p->m_pReferenceCancel } };
             const QMap<QString, CComboBox*> selectors {
                 { "wave", p->m_pWaveLength }, { "mode", p->m_pTestMode },

@@ -191,7 +191,8 @@ void ModalBoxCloser::closeActive()
 }
 
 StdoutCapture::StdoutCapture(Mode mode)
-    : m_saved(dup(STDOUT_FILENO)), m_file(mode == Keep ? std::tmpfile() : std::fopen("/dev/null", "w"))
+    : m_saved(dup(STDOUT_FILENO)),
+      m_file(mode == Keep ? std::tmpfile() : std::fopen("/dev/null", "w"))
 {
     std::fflush(stdout);
     if (m_file && m_saved != -1)
