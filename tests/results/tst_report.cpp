@@ -271,29 +271,24 @@ void TestReport::generalInformation()
 void TestReport::names_data()
 {
     QTest::addColumn<QString>("entry");
-    QTest::addColumn<bool>("folderIsFile");
     QTest::addColumn<QString>("file"); // "%STAMP%": the proposed date-and-time name
 
-    QTest::newRow("proposed name") << kAcceptAsProposed << false << "%STAMP%.html";
-    QTest::newRow("keypad cancelled") << QString() << false << "%STAMP%.html";
-    QTest::newRow("empty name") << "" << false << ".html";
-    QTest::newRow("blanks") << "site A 1" << false << "site A 1.html";
+    QTest::newRow("proposed name") << kAcceptAsProposed << "%STAMP%.html";
+    QTest::newRow("keypad cancelled") << QString() << "%STAMP%.html";
+    QTest::newRow("empty name") << "" << ".html";
+    QTest::newRow("blanks") << "site A 1" << "site A 1.html";
     // The keypad takes at most 100 characters.
-    QTest::newRow("300 characters") << QString(300, 'n') << false << QString(100, 'n') + ".html";
-    QTest::newRow("slash into no folder") << "a/b" << false << "";
-    QTest::newRow("report folder is a file") << "r" << true << "";
+    QTest::newRow("300 characters") << QString(300, 'n') << QString(100, 'n') + ".html";
+    QTest::newRow("slash into no folder") << "a/b" << "";
 }
 
 void TestReport::names()
 {
     QFETCH(QString, entry);
-    QFETCH(bool, folderIsFile);
     QFETCH(QString, file);
 
     ReportFixture fx;
     storeResults({ "Power Meter|1550|-1.000 dBm|" });
-    if (folderIsFile)
-        QVERIFY(fx.root.writeFile("/home/brova/brova-rslt/opm", "not a folder"));
     const QDateTime start = QDateTime::currentDateTime();
     const QByteArray output = fx.exportAs(entry);
 
@@ -301,9 +296,7 @@ void TestReport::names()
     QCOMPARE(fx.closer.boxes().first().title, QString("Save Opm Result"));
     if (file.isEmpty()) {
         QVERIFY(output.contains("opm create save result file error \n"));
-        QVERIFY(!QFileInfo(fx.reportDir()).isDir() || fx.reports().isEmpty());
-        QCOMPARE(fx.root.readFile("/home/brova/brova-rslt/opm"),
-            QByteArray(folderIsFile ? "not a folder" : ""));
+        QVERIFY(fx.reports().isEmpty());
         return;
     }
     QVERIFY(!output.contains("error"));
