@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Installs what building, running and testing need on Debian 12, when it is missing.
+# Packages given as arguments are installed too (scripts/memcheck.sh: valgrind).
 set -euo pipefail
 
 packages=(
@@ -8,6 +9,7 @@ packages=(
     fonts-dejavu-core   # offscreen text needs a real font
     psmisc              # killall, used to stop the power reader
     procps
+    "$@"
 )
 
 missing=()
