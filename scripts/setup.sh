@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Installs what building, running and testing need on Debian 12, when it is missing.
+# Packages given as arguments are installed too (scripts/memcheck.sh: valgrind).
 set -euo pipefail
 
 packages=(
@@ -9,6 +10,7 @@ packages=(
     psmisc              # killall, used to stop the power reader
     procps
     python3-html5lib    # the report test reads reports back as a browser would
+    "$@"
 )
 
 missing=()

@@ -21,7 +21,7 @@ target_compile_definitions(tst_devicepaths PRIVATE
     OPM_DEMO_ROOT_PATH="${OPM_DEMO_ROOT}"
     OPM_READER_STAND_IN_FILE="$<TARGET_FILE:readerStandIn>")
 add_dependencies(tst_devicepaths opmplugin opm opmplugin_demo)
-add_test(NAME tst_devicepaths COMMAND tst_devicepaths)
+add_test(NAME tst_devicepaths COMMAND tst_devicepaths ${OPM_QTEST_ARGS})
 set_tests_properties(tst_devicepaths PROPERTIES
-    TIMEOUT 120
+    TIMEOUT ${OPM_TEST_TIMEOUT}
     ENVIRONMENT "QTEST_FUNCTION_TIMEOUT=60000")
