@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Builds everything and shows the optical power meter in the shell stand-in, with the
 # simulated power reader, below a demo device root instead of "/".
-# Without a display it runs headless, writes screenshots into a folder it names and quits.
+# Without a display it runs headless through an operator's story (four readings saved by the
+# reader's save key, the F1 report named on the keypad, the Result tab), writes screenshots
+# into a folder it names, checks that the report was written and quits.
 #   BUILD_DIR   build folder (default: ./build of the checkout)
 set -euo pipefail
 
@@ -47,12 +49,31 @@ prepare_root() {
     printf 'mac=00:1a:2b:3c:4d:5e\nsn=BR-0001234\n' >"$root/etc/brova/e2prom.txt"
 }
 
-# Moves the reader to 1550 nm behind the page's back, as an operator's wish would, and shows
-# the record the page reads.
+# The operator's side of the headless story, next to the shell's timed keys below: the set's
+# save key on the reader (SIGUSR1 to the pid in the record), and a move to 1550 nm behind the
+# page's back, as an operator's wish would.
+press_save_key() {
+    local pid
+    pid=$("$inspector" 2>/dev/null | awk '$1 == "pid" { print $3 }')
+    if [[ -n $pid && $pid -gt 0 ]]; then
+        kill -USR1 "$pid" 2>/dev/null || true
+    fi
+}
+
+# The page polls the record once a second, so saves lie more than a second apart, and its
+# "Last Saved" line shows a save one poll later.
 headless_story() {
-    sleep 4
+    sleep 2.2
+    press_save_key
+    sleep 1.2
+    press_save_key
+    sleep 2.8
     "$inspector" --set wavelenthTarget=3 >/dev/null || true
-    sleep 2.5
+    sleep 1.4
+    press_save_key
+    sleep 1.3
+    press_save_key
+    sleep 1.1
     echo "demo: the shared record after switching to 1550 nm:"
     "$inspector" || true
 }
@@ -70,14 +91,31 @@ if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
     screens=$build_dir/demo-screens
     mkdir -p "$screens"
     rm -f "$screens"/*.png
+    report=$root/home/brova/brova-rslt/opm/route-7.html
+    rm -f "$report"
     echo "demo: no display; running headless, screenshots go to $screens"
     headless_story &
     helpers+=($!)
+    # Four saved readings, then F1: the keypad proposes a name, the operator types "route-7"
+    # and confirms; Ctrl+Tab opens the Result tab.
     QT_QPA_PLATFORM=offscreen "$shell" --plugin "$plugin" --autostart \
         --screenshot-at "2:$screens/1-started.png" \
-        --screenshot-at "5:$screens/2-switching.png" \
-        --screenshot-at "7.5:$screens/3-following-1550.png" \
-        --quit-after 8
+        --screenshot-at "5.9:$screens/2-saved-850.png" \
+        --screenshot-at "11.5:$screens/3-saved-1550.png" \
+        --key-at 11.9:F1 \
+        --screenshot-at "12.3:$screens/4-keypad.png" \
+        --key-at 12.7:R --key-at 12.85:O --key-at 13:U --key-at 13.15:T --key-at 13.3:E \
+        --key-at 13.45:- --key-at 13.6:7 \
+        --screenshot-at "14:$screens/5-keypad-named.png" \
+        --key-at 14.4:Return \
+        --key-at 15.2:Ctrl+Tab \
+        --screenshot-at "16.1:$screens/6-result-tab.png" \
+        --quit-after 16.6
+    if [[ ! -s $report ]]; then
+        echo "demo: the report $report was not written" >&2
+        exit 1
+    fi
+    echo "demo: report $report"
     echo "demo: screenshots in $screens"
 else
     "$shell" --plugin "$plugin" --autostart

@@ -1,5 +1,6 @@
 // The shell stand-in run as the program it is: it refuses a plug-in file whose verification
-// text is not the set's, or that is cut short, and takes the demo plug-in.
+// text is not the set's, or that is cut short, takes the demo plug-in, and presses the keys it
+// is told to.
 #include <QtTest>
 
 class TestShellStandIn : public QObject
@@ -9,6 +10,9 @@ private slots:
     void refusesPlugin_data();
     void refusesPlugin();
     void acceptsDemoPlugin();
+    void refusesKey_data();
+    void refusesKey();
+    void helpNamesKeyAt();
 
 private:
     int runShell(const QStringList& arguments);
@@ -62,7 +66,8 @@ void TestShellStandIn::refusesPlugin()
 void TestShellStandIn::acceptsDemoPlugin()
 {
     const int exitCode = runShell({ QStringLiteral("--plugin"), QStringLiteral(DEMO_PLUGIN_PATH),
-        QStringLiteral("--quit-after"), QStringLiteral("0.2") });
+        QStringLiteral("--key-at"), QStringLiteral("0.1:ctrl+tab"), QStringLiteral("--quit-after"),
+        QStringLiteral("0.2") });
     QVERIFY2(exitCode == 0, qPrintable(m_err));
     for (const char* identity : { "id:      com.corvaneinc.CommonUtil.NerioOpmPlugin",
              "name:    OpticalPowerMeter", "version: 1.0", "builder: CORVANE" })
@@ -70,6 +75,32 @@ void TestShellStandIn::acceptsDemoPlugin()
     // Never started: stop refuses, terminate still runs.
     QVERIFY2(
         m_out.contains(QStringLiteral("stop -> false\nopmshell: terminate")), qPrintable(m_out));
+    // No plug-in window yet: the frame itself has the key.
+    QVERIFY2(m_out.contains(QStringLiteral("key Ctrl+Tab -> ShellFrame")), qPrintable(m_out));
+}
+
+void TestShellStandIn::refusesKey_data()
+{
+    QTest::addColumn<QString>("keyAt");
+    QTest::newRow("unknown name") << "1:Bogus";
+    QTest::newRow("two keys") << "1:F1,F2";
+    QTest::newRow("no time") << "F1";
+}
+
+void TestShellStandIn::refusesKey()
+{
+    QFETCH(QString, keyAt);
+    QCOMPARE(runShell({ QStringLiteral("--plugin"), QStringLiteral(DEMO_PLUGIN_PATH),
+                 QStringLiteral("--key-at"), keyAt }),
+        2);
+    QVERIFY2(m_err.contains(QStringLiteral("bad --key-at")), qPrintable(m_err));
+}
+
+// Asked for before there is an application object or a display.
+void TestShellStandIn::helpNamesKeyAt()
+{
+    QCOMPARE(runShell({ QStringLiteral("--help") }), 0);
+    QVERIFY2(m_out.contains(QStringLiteral("--key-at <seconds:key>")), qPrintable(m_out));
 }
 
 QTEST_GUILESS_MAIN(TestShellStandIn)

@@ -107,14 +107,20 @@ int main(int argc, char** argv)
         QObject::connect(&app, &QCoreApplication::aboutToQuit, &frame, &ShellFrame::shutdownPlugin);
         if (options.autostart)
             QTimer::singleShot(0, &frame, &ShellFrame::startPlugin);
+        // Precise timers: coarse ones may be 5 % late, enough to swap a key and a screenshot.
         for (const ShellOptions::Screenshot& shot : options.screenshots) {
-            QTimer::singleShot(
-                milliseconds(shot.seconds), &frame, [&frame, &screenshotsSaved, shot] {
+            QTimer::singleShot(milliseconds(shot.seconds), Qt::PreciseTimer, &frame,
+                [&frame, &screenshotsSaved, shot] {
                     screenshotsSaved = frame.saveScreenshot(shot.file) && screenshotsSaved;
                 });
         }
+        for (const ShellOptions::KeyPress& press : options.keys) {
+            QTimer::singleShot(milliseconds(press.seconds), Qt::PreciseTimer, &frame,
+                [&frame, press] { frame.pressKey(press.key); });
+        }
         if (options.quitAfter >= 0)
-            QTimer::singleShot(milliseconds(options.quitAfter), &app, &QCoreApplication::quit);
+            QTimer::singleShot(
+                milliseconds(options.quitAfter), Qt::PreciseTimer, &app, &QCoreApplication::quit);
         status = app.exec();
     }
     // The frame, and with it the plug-in's window, has gone; the root object goes last.

@@ -4,10 +4,15 @@
 #include "cwidgetstyle.h"
 #include "utilinterface.h"
 
+#include <QApplication>
 #include <QDateTime>
 #include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QKeySequence>
 #include <QLabel>
+#include <QPainter>
 #include <QPixmap>
+#include <QPointer>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -37,6 +42,16 @@ QLabel* titleLabel(const QString& text, int pointSize, QWidget* parent)
 QString boolText(bool value)
 {
     return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+// What a keyboard would type with that key: printable ASCII, letters small without Shift.
+QString keyText(int key, Qt::KeyboardModifiers modifiers)
+{
+    if (key < Qt::Key_Space || key > Qt::Key_AsciiTilde
+        || (modifiers & ~(Qt::ShiftModifier | Qt::KeypadModifier)))
+        return QString();
+    const QChar typed(key);
+    return modifiers & Qt::ShiftModifier ? QString(typed) : QString(typed.toLower());
 }
 
 } // namespace
@@ -204,7 +219,15 @@ void ShellFrame::shutdownPlugin()
 
 bool ShellFrame::saveScreenshot(const QString& file)
 {
-    const bool saved = grab().save(file, "PNG");
+    // The keypad and message boxes are windows of their own, which grab() leaves out.
+    QPixmap screen = grab();
+    QPainter painter(&screen);
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window != this && window->isVisible())
+            painter.drawPixmap(window->geometry().topLeft() - geometry().topLeft(), window->grab());
+    }
+    painter.end();
+    const bool saved = screen.save(file, "PNG");
     if (saved) {
         std::printf("opmshell: screenshot %s\n", qPrintable(file));
         std::fflush(stdout);
@@ -212,4 +235,25 @@ bool ShellFrame::saveScreenshot(const QString& file)
         std::fprintf(stderr, "opmshell: cannot write the screenshot %s\n", qPrintable(file));
     }
     return saved;
+}
+
+void ShellFrame::pressKey(const QKeySequence& key)
+{
+    QWidget* window = QApplication::activeModalWidget();
+    if (!window)
+        window = QApplication::activeWindow();
+    if (!window)
+        window = this;
+    // The press may close the window that had the focus; then the release goes nowhere.
+    QPointer<QWidget> target = window->focusWidget() ? window->focusWidget() : window;
+    const int code = key[0] & ~Qt::KeyboardModifierMask;
+    const auto modifiers = Qt::KeyboardModifiers(key[0] & Qt::KeyboardModifierMask);
+    const QString text = keyText(code, modifiers);
+    report(QStringLiteral("key %1").arg(key.toString()),
+        QString::fromLatin1(target->metaObject()->className()));
+    QKeyEvent press(QEvent::KeyPress, code, modifiers, text);
+    QApplication::sendEvent(target, &press);
+    QKeyEvent release(QEvent::KeyRelease, code, modifiers, text);
+    if (target)
+        QApplication::sendEvent(target, &release);
 }

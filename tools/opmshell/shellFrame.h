@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QWidget>
 
+class QKeySequence;
 class QLabel;
 class UtilInterface;
 
@@ -16,8 +17,12 @@ class ShellFrame : public QWidget
 public:
     ShellFrame(QObject* pluginRoot, UtilInterface* plugin, QWidget* parent = nullptr);
 
-    // Grabs the whole frame; false when the file cannot be written.
+    // Grabs the whole frame with any dialog open above it; false when the file cannot be
+    // written.
     bool saveScreenshot(const QString& file);
+    // Presses and releases one key (with its modifiers) where the set's shell forwards its
+    // hardware keys: the focus widget of the active modal window, else of the active window.
+    void pressKey(const QKeySequence& key);
 
 public slots:
     void startPlugin();

@@ -1,6 +1,7 @@
 #ifndef SHELLOPTIONS_H
 #define SHELLOPTIONS_H
 
+#include <QKeySequence>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -15,8 +16,15 @@ struct ShellOptions
         QString file;
     };
 
+    struct KeyPress
+    {
+        double seconds;
+        QKeySequence key; // exactly one key, with its modifiers
+    };
+
     QString plugin;
     QList<Screenshot> screenshots;
+    QList<KeyPress> keys;
     double quitAfter = -1; // seconds; negative: run until closed
     bool autostart = false;
     QString helpText; // set when --help was asked for
@@ -29,5 +37,7 @@ struct ShellOptions
 bool parseSeconds(const QString& text, double* seconds);
 // "2.5:shot.png"
 bool parseScreenshotAt(const QString& text, ShellOptions::Screenshot* shot);
+// "3:F1", "4.5:Ctrl+Tab"
+bool parseKeyAt(const QString& text, ShellOptions::KeyPress* press);
 
 #endif // SHELLOPTIONS_H
