@@ -64,10 +64,12 @@ struct OpmPageProbe
 {
     static CDialog* m_pReferenceDialog(NerioOpm* p) { return p->m_pReferenceDialog; }
     static QTimer* m_pTimer(NerioOpm* p) { return p->m_pTimer; }
+    static OpmShareRecord* m_addr(NerioOpm* p) { return p->m_addr; }
 
     // Steps separated by ';'. The operator's: "click <button>", "choose <selector> <index>" and
     // "enter <field> <text>" (only these signals reach the page's slots), "escape" or "close" on
-    // the reference dialog. The reader's: "show <wavelength> <value> [unit] [flag]" ('_' stands
+    // the reference dialog; "type <field> <text>" sets a field's text without its signal, as a
+    // restored setup does. The reader's: "show <wavelength> <value> [unit] [flag]" ('_' stands
     // for a blank) and "request" (a save request). "show" and "tick" poll the reader once, as the
     // page's timer would.
     static void act(NerioOpm* p, RecordWriter& reader, const QString& steps)
@@ -76,8 +78,9 @@ struct OpmPageProbe
             const QStringList step = text.simplified().split(' ');
             const QMap<QString, QAbstractButton*> buttons {
                 { "hold", p->m_pHold }, { "save", p->m_pSave }, { "reference", p->m_pReference },
-                { "mW", p->m_pmW }, { "uW", p->m_puW }, { "limits", p->m_pLimits },
-                { "set", p->m_pReferenceSet }, { "cancel", p->m_pReferenceCancel } };
+                { "dBm", p->m_pdBm }, { "mW", p->m_pmW }, { "uW", p->m_puW },
+                { "limits", p->m_pLimits }, { "set", p->m_pReferenceSet },
+                { "cancel", p->m_pReferenceCancel } };
             const QMap<QString, CComboBox*> selectors {
                 { "wave", p->m_pWaveLength }, { "mode", p->m_pTestMode },
                 { "lossUnit", p->m_pLossMeterUnit } };
@@ -96,6 +99,8 @@ struct OpmPageProbe
             } else if (step[0] == "enter" && fields.value(step.value(1))) {
                 fields.value(step[1])->setText(step.value(2));
                 emit fields.value(step[1])->textEdited(step.value(2));
+            } else if (step[0] == "type" && fields.value(step.value(1))) {
+                fields.value(step[1])->setText(step.value(2));
             } else if (step[0] == "escape" && p->m_pReferenceDialog) {
                 QTest::keyClick(p->m_pReferenceDialog, Qt::Key_Escape);
             } else if (step[0] == "close" && p->m_pReferenceDialog) {
