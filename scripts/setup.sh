@@ -8,6 +8,7 @@ packages=(
     fonts-dejavu-core   # offscreen text needs a real font
     psmisc              # killall, used to stop the power reader
     procps
+    python3-html5lib    # the report test reads reports back as a browser would
 )
 
 missing=()

@@ -37,6 +37,8 @@ QString vendorInfoFile() { return rooted(kVendorInfoFile); }
 
 QByteArray makeSettingDirCommand() { return "mkdir " + shellPath(kSettingDir); }
 
+QByteArray makeResultDirCommand() { return "mkdir -p " + shellPath(kResultDir); }
+
 QByteArray startReaderCommand() { return shellPath(kReaderProgram) + " &"; }
 
 // Under another root only the reader of that root is killed (by its file), so that tests and

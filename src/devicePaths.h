@@ -15,6 +15,7 @@ QString readerProgram();   // "/usr/local/brova/bin/lumenProbe"
 QString vendorInfoFile();  // "/usr/local/brova/lib/vendor-info.txt"
 
 QByteArray makeSettingDirCommand();  // "mkdir /home/Setting"
+QByteArray makeResultDirCommand();   // "mkdir -p /home/brova/brova-rslt/opm"
 QByteArray startReaderCommand();     // "/usr/local/brova/bin/lumenProbe &"
 QByteArray killReaderCommand();      // "killall -9 lumenProbe"
 

@@ -4,6 +4,8 @@
 #include "cwidget.h"
 #include "opm.h"
 
+#include <cstddef>
+#include <cstdio>
 #include <list>
 
 class CTabWidget;
@@ -42,6 +44,10 @@ public:
     ~COpmMainPage() override;
 
     QString getKeyboard(const QString& title, const QString& text);
+    // The HTML report of every saved reading, named by the operator on the keypad (F1).
+    void saveOpmResult();
+    void saveGeneralInfoOfSet(FILE* pfOutput, int font_size);
+    void writeOpmHtmlData(FILE* html);
     void enterInit();
     void exitClean();
     void translate() override;
@@ -61,5 +67,9 @@ private:
     COpmShowResultPage* m_pTableShowResult;
     halmanager::PlatE2PromServ* m_pE2promserv;
 };
+
+// The software version: the first line of the vendor information file from "Common" on.
+// 0 when the file was read, -1 when it cannot be opened, -2 for null arguments or no room.
+int opmGetVersion(const char* sPath, char* pOut, size_t nOutLength);
 
 #endif // OPMMAIN_H

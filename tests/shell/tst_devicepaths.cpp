@@ -23,6 +23,7 @@ void TestDevicePaths::pathsAndCommands()
     QCOMPARE(DevicePaths::readerProgram(), QStringLiteral("/usr/local/brova/bin/lumenProbe"));
     QCOMPARE(DevicePaths::vendorInfoFile(), QStringLiteral("/usr/local/brova/lib/vendor-info.txt"));
     QCOMPARE(DevicePaths::makeSettingDirCommand(), QByteArray("mkdir /home/Setting"));
+    QCOMPARE(DevicePaths::makeResultDirCommand(), QByteArray("mkdir -p /home/brova/brova-rslt/opm"));
     QCOMPARE(DevicePaths::startReaderCommand(), QByteArray("/usr/local/brova/bin/lumenProbe &"));
     QCOMPARE(DevicePaths::killReaderCommand(), QByteArray("killall -9 lumenProbe"));
 }

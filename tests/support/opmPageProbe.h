@@ -14,6 +14,7 @@
 #include "fixedText.h"
 #include "offsetBar.h"
 #include "opmMain.h"
+#include "opmShowResult.h"
 #include "testSupport.h"
 
 #include <QtTest>
@@ -62,6 +63,15 @@ inline QString barFor(double low, double high, double value)
 
 struct OpmPageProbe
 {
+    static QStringList lines(COpmShowResultPage* p)
+    {
+        QStringList texts;
+        for (CLabel* line : p->m_pSummary)
+            texts << line->text();
+        return texts;
+    }
+    static CPushButton* m_pClear(COpmShowResultPage* p) { return p->m_pClear; }
+    static NerioOpm* m_pTableOpmSetup(COpmMainPage* p) { return p->m_pTableOpmSetup; }
     static CDialog* m_pReferenceDialog(NerioOpm* p) { return p->m_pReferenceDialog; }
     static QTimer* m_pTimer(NerioOpm* p) { return p->m_pTimer; }
     static OpmShareRecord* m_addr(NerioOpm* p) { return p->m_addr; }

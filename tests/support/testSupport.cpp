@@ -5,10 +5,13 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QAbstractButton>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QWidget>
 
+#include <cstdio>
 #include <cstring>
 #include <vector>
 #include <sys/ipc.h>
@@ -180,4 +183,19 @@ void ModalBoxCloser::closeActive()
         else
             box->close();
     }
+}
+
+bool answerKeyPad(QWidget* box, const QString& entry)
+{
+    auto* edit = box->findChild<QLineEdit*>();
+    if (box->objectName() != QLatin1String("CKeyPad") || !edit)
+        return false;
+    if (!entry.isNull())
+        edit->setText(entry);
+    auto* button = box->findChild<QAbstractButton*>(entry.isNull() ? QStringLiteral("Cancel")
+                                                                    : QStringLiteral("OK"));
+    if (!button)
+        return false;
+    button->click();
+    return true;
 }

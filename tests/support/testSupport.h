@@ -10,6 +10,9 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <cstdio>
+#include <unistd.h>
+
 #include <functional>
 #include <memory>
 
@@ -80,5 +83,45 @@ private:
     QTimer m_timer;
     QList<Box> m_boxes;
 };
+
+// Catches what the code under test writes to standard output (its trace lines). Keep it around
+// the calls only: QtTest reports through standard output too.
+class StdoutCapture
+{
+public:
+    StdoutCapture()
+    {
+        fflush(stdout);
+        if (m_file)
+            dup2(fileno(m_file), STDOUT_FILENO);
+    }
+    ~StdoutCapture() { take(); }
+    Q_DISABLE_COPY(StdoutCapture)
+
+    // Ends the capture and returns what was written.
+    QByteArray take()
+    {
+        if (!m_file)
+            return QByteArray();
+        fflush(stdout);
+        dup2(m_saved, STDOUT_FILENO);
+        close(m_saved);
+        fseek(m_file, 0, SEEK_END);
+        QByteArray text(int(ftell(m_file)), '\0');
+        rewind(m_file);
+        text.resize(int(fread(text.data(), 1, size_t(text.size()), m_file)));
+        fclose(m_file);
+        m_file = nullptr;
+        return text;
+    }
+
+private:
+    int m_saved = dup(STDOUT_FILENO);
+    FILE* m_file = tmpfile();
+};
+
+// Answers the on-screen keypad: types entry and presses OK, or presses Cancel when entry is
+// null. Returns false when box is not the keypad.
+bool answerKeyPad(QWidget* box, const QString& entry);
 
 #endif // TESTSUPPORT_H
