@@ -25,7 +25,8 @@ if [ ${#missing[@]} -gt 0 ]; then
     DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
-BUILD_DIR=build-fuzz
+# Absolute: the harnesses move into a device root of their own.
+BUILD_DIR=$PWD/build-fuzz
 cmake -S . -B "$BUILD_DIR" -DOPM_FUZZ=ON -DCMAKE_CXX_COMPILER=clang++ \
     -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$BUILD_DIR" -j "$(nproc)" --target "${harnesses[@]/#/fuzz_}"
@@ -37,7 +38,7 @@ export UBSAN_OPTIONS=print_stacktrace=1
 failed=()
 for h in "${harnesses[@]}"; do
     fuzzer=$BUILD_DIR/fuzz/fuzz_$h
-    corpus=fuzz/corpus/$h
+    corpus=$PWD/fuzz/corpus/$h
     work=$BUILD_DIR/work/$h
     findings=$BUILD_DIR/findings/$h
     log=$BUILD_DIR/fuzz-$h.log
