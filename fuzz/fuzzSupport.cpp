@@ -1,5 +1,6 @@
 #include "fuzzSupport.h"
 
+#include "opmPageProbe.h"
 #include "testSupport.h"
 
 #include <QApplication>
@@ -39,6 +40,12 @@ void paint(QWidget* widget)
     QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     widget->render(&image);
+}
+
+void requireTextsEnded(NerioOpm* page)
+{
+    if (!OpmPageProbe::textsEnded(page))
+        qFatal("a text field of the page runs past its width");
 }
 
 void take(const uint8_t* data, size_t dataSize, size_t offset, void* out, size_t size)
