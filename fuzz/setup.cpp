@@ -5,9 +5,8 @@
 #include "fuzzSupport.h"
 #include "opmPageProbe.h"
 
-#include <fcntl.h>
 #include <sys/shm.h>
-#include <sys/stat.h>
+#include <utime.h>
 
 namespace {
 
@@ -21,9 +20,9 @@ void writeSettingFile(const uint8_t* data, size_t size)
     const QByteArray content(reinterpret_cast<const char*>(data), int(size));
     if (!FuzzSupport::root().writeFile(QStringLiteral("/home/Setting/opmSetup.conf"), content))
         qFatal("cannot write the settings file");
-    const struct timespec times[2] = { { ++s_stamp, 0 }, { s_stamp, 0 } };
-    const QByteArray path = QFile::encodeName(DevicePaths::settingFile());
-    if (utimensat(AT_FDCWD, path.constData(), times, 0) != 0)
+    ++s_stamp;
+    const struct utimbuf times = { s_stamp, s_stamp };
+    if (utime(QFile::encodeName(DevicePaths::settingFile()).constData(), &times) != 0)
         qFatal("cannot date the settings file");
 }
 
