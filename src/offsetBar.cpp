@@ -60,17 +60,31 @@ OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent)
 
 OffsetBar::~OffsetBar() { }
 
+// The page calls this on every tick: only a marker that moves or a label that changes repaints.
 void OffsetBar::setRangedOffset(double lowwater, double highwater, double offset)
 {
+    const int markerBefore = markerX();
+    const bool labelsChanged = setLimitLabels(lowwater, highwater);
     m_fOffsetValue = offset;
     m_fValueRage = highwater - lowwater;
     m_fMinValue = lowwater;
     m_fMaxValue = highwater;
     m_nPercentVal = percentOf(offset, lowwater, highwater);
+    printf("________m_nPercentVal___%d_______\n", m_nPercentVal);
+    if (labelsChanged || markerX() != markerBefore)
+        update();
+}
+
+// Formats the labels only for limits other than the last ones (a NaN never equals them); true
+// when they were formatted.
+bool OffsetBar::setLimitLabels(double lowwater, double highwater)
+{
+    if (m_bLabelsFromLimits && lowwater == m_fMinValue && highwater == m_fMaxValue)
+        return false;
     m_sMaxValue = limitLabel(highwater);
     m_sMinValue = limitLabel(lowwater);
-    printf("________m_nPercentVal___%d_______\n", m_nPercentVal);
-    update();
+    m_bLabelsFromLimits = true;
+    return true;
 }
 
 // Any int and any difference of two ints is exact in a double, so this is the whole-number
