@@ -43,6 +43,10 @@ QString limitLabel(double limit) { return QString::asprintf("%.2f", limit); }
 
 OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent)
 {
+    // The bar paints every pixel of its rectangle, white as the reading panel it sits on, so
+    // that a move of the marker repaints the bar alone and not the widgets beneath it.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setBackgroundColor(Qt::white);
     const QRect area = rect();
     m_nStartX = area.x();
     m_nStartY = area.y();
