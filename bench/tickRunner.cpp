@@ -1,15 +1,18 @@
-// bench_ticks <page|floor> <changing|unchanged> <ticks> [--paints]
+// bench_ticks <page|floor> <changing|unchanged|moving> <ticks> [--paints]
 // Drives ticks of the Setup tab (inside the main page, as the program shows it) or of the floor
 // page without waiting for the timer: each tick writes a reading into the shared record, calls
 // the timer's slot and lets the offscreen backing store repaint what the tick changed. Run it
 // under callgrind with 0 and with N ticks: the difference over N is the cost of one tick.
-// --paints prints how many widgets each tick repainted, by class.
+// --paints prints how many widgets each tick repainted, by class; --shot FILE saves what the
+// offscreen screen shows after the ticks.
 #include "floorPage.h"
 #include "opmMain.h"
 #include "testSupport.h"
 
 #include <QApplication>
 #include <QMap>
+#include <QPixmap>
+#include <QScreen>
 #include <QTimer>
 
 #include <cstdio>
@@ -29,10 +32,15 @@ public:
     QMap<QString, int> m_counts;
 };
 
-// The live reader's way: "%.2f", moving by a hundredth of a dB.
-QByteArray readingText(bool changing, int tick)
+// The live reader's way: "%.2f", changing by a hundredth of a dB (the bar's marker stays), or
+// moving by 2 dB (the marker moves), or not at all.
+QByteArray readingText(const QString& mode, int tick)
 {
-    const double value = changing ? -11.80 - 0.01 * (tick % 20) : -11.80;
+    double value = -11.80;
+    if (mode == QLatin1String("changing"))
+        value -= 0.01 * (tick % 20);
+    else if (mode == QLatin1String("moving"))
+        value -= 2.0 * (tick % 20);
     return QByteArray::number(value, 'f', 2);
 }
 
@@ -42,9 +50,9 @@ void settle()
         QCoreApplication::processEvents();
 }
 
-void runTick(QObject* target, const char* slot, RecordWriter& reader, bool changing, int tick)
+void runTick(QObject* target, const char* slot, RecordWriter& reader, const QString& mode, int tick)
 {
-    reader.setReading("850", "dBm", readingText(changing, tick).constData());
+    reader.setReading("850", "dBm", readingText(mode, tick).constData());
     QMetaObject::invokeMethod(target, slot);
     QCoreApplication::processEvents();
 }
@@ -56,15 +64,16 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments();
     if (args.size() < 4 || (args[1] != "page" && args[1] != "floor")) {
-        std::fprintf(stderr, "usage: bench_ticks <page|floor> <changing|unchanged> <ticks> [--paints]\n");
+        std::fprintf(stderr, "usage: bench_ticks <page|floor> <changing|unchanged|moving> <ticks> "
+                             "[--paints] [--shot FILE]\n");
         return 2;
     }
-    const bool changing = args[2] == "changing";
+    const QString mode = args[2];
     const int ticks = args[3].toInt();
 
     TestDeviceRoot root;
     RecordWriter reader;
-    reader.setReading("850", "dBm", readingText(changing, 0).constData());
+    reader.setReading("850", "dBm", readingText(mode, 0).constData());
     CBrovaOpmDataEngine::getSingleInstance()->clearAllresultItem();
 
     std::unique_ptr<QWidget> window;
@@ -85,14 +94,14 @@ int main(int argc, char* argv[])
     // The ticks are ours alone.
     for (QTimer* timer : target->findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly))
         timer->stop();
-    runTick(target, slot, reader, changing, 0); // the first reading lays the panel out
+    runTick(target, slot, reader, mode, 0); // the first reading lays the panel out
     settle();
 
     CPaintCounter counter;
     if (args.contains("--paints"))
         app.installEventFilter(&counter);
     for (int i = 1; i <= ticks; ++i)
-        runTick(target, slot, reader, changing, i);
+        runTick(target, slot, reader, mode, i);
     app.removeEventFilter(&counter);
 
     if (args.contains("--paints") && ticks > 0) {
@@ -103,5 +112,8 @@ int main(int argc, char* argv[])
         }
         std::fprintf(stderr, "paints-per-tick %.2f\n", double(total) / ticks);
     }
+    const int shot = args.indexOf(QStringLiteral("--shot"));
+    if (shot > 0 && !window->screen()->grabWindow(window->winId()).save(args.value(shot + 1)))
+        return 1;
     return 0;
 }
