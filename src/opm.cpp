@@ -83,6 +83,14 @@ void terminateTexts(OpmShareRecord& record)
 
 int addressAsInt(const void* p) { return static_cast<int>(reinterpret_cast<intptr_t>(p)); }
 
+// For the labels of a tick: a new palette costs far more than the comparison, and the colour
+// seldom changes.
+void showTextColour(CLabel* label, const QColor& colour)
+{
+    if (label->textColor() != colour)
+        label->setTextColor(colour);
+}
+
 const Qt::Alignment kRightCentred = Qt::AlignRight | Qt::AlignCenter;
 
 // The page's building blocks: caption labels, selectors, buttons and numeric fields all share
@@ -478,11 +486,11 @@ void NerioOpm::onTimer()
     terminateTexts(Opm);
 
     if (Opm.flag == OpmFlagNoReading) {
-        m_pOpmCurValue->setTextColor(Qt::red);
+        showTextColour(m_pOpmCurValue, Qt::red);
         return;
     }
     if (Opm.flag == OpmFlagNotConnected) {
-        m_pOpmCurValue->setTextColor(Qt::red);
+        showTextColour(m_pOpmCurValue, Qt::red);
         m_pOpmCurValue->setText(QObject::tr("OPM Not Connected!"));
         return;
     }
@@ -576,7 +584,7 @@ void NerioOpm::showResult()
         }
     }
 
-    m_pOpmCurValue->setTextColor(m_qColorTextColor);
+    showTextColour(m_pOpmCurValue, m_qColorTextColor);
     m_pOpmCurValue->setText(QString::fromLatin1(text));
 
     const double reading = atof(Opm.value);
