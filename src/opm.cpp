@@ -420,7 +420,9 @@ CWidget* NerioOpm::CrtOpmInfoWidget()
     m_pOpmRefLabel->setBackgroundColor(Qt::white);
 
     m_pOpmCurValue = new CLabel(tr(""), m_pOpmInfoWidget);
-    m_pOpmCurValue->setFixedHeight(70);
+    // The panel's width, which the label fills anyway: at a fixed size a new reading does not
+    // make the panel lay itself out again.
+    m_pOpmCurValue->setFixedSize(m_pOpmInfoWidget->width(), 70);
     m_pOpmCurValue->setTextSize(20);
     m_pOpmCurValue->setBackgroundColor(Qt::white);
     m_pOpmCurValue->setAlignment(kRightCentred);
