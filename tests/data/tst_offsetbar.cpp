@@ -3,6 +3,7 @@
 #include "offsetBar.h"
 
 #include <QImage>
+#include <QScreen>
 #include <QtTest>
 
 #include <climits>
@@ -143,6 +144,13 @@ void TestOffsetBar::repaint()
     bar.setRangedOffset(after[0], after[1], after[2]);
     QCoreApplication::processEvents();
     QCOMPARE(counter.paints > 0, repainted);
+
+    // What the screen shows after the partial repaint is a bar drawn afresh.
+    OffsetBar fresh;
+    fresh.setRangedOffset(after[0], after[1], after[2]);
+    const QImage shown = bar.screen()->grabWindow(bar.winId()).toImage();
+    QCOMPARE(shown.convertToFormat(QImage::Format_RGB32),
+             fresh.grab().toImage().convertToFormat(QImage::Format_RGB32));
 }
 
 QTEST_MAIN(TestOffsetBar)
