@@ -608,16 +608,28 @@ void NerioOpm::showResult()
 
 void NerioOpm::fillResult(const char* valueText)
 {
-    char number[512];
     FixedText::copy(m_result.testMode, m_eTestMode == PowerMeter ? "Power Meter" : "Loss Meter");
     FixedText::copyField(m_result.ref, m_aWaveLengthRef[m_eWaveLength]);
     FixedText::copyField(m_result.waveLenth, Opm.wavelenth);
+    fillResultLimits();
+    FixedText::copyMeasurement(m_result.value, valueText);
+    FixedText::copy(m_result.pass, m_bPass ? "YES" : "NO");
+}
+
+// Formatting a float is most of a tick's own work, and the limits seldom change: they are
+// formatted again only when they differ bit for bit (-0 prints differently from 0).
+void NerioOpm::fillResultLimits()
+{
+    const float limits[2] = { m_fPowerMin, m_fPowerMax };
+    if (m_bResultLimitsSet && std::memcmp(limits, m_aResultLimits, sizeof limits) == 0)
+        return;
+    char number[512];
     snprintf(number, sizeof number, "%.6f", double(m_fPowerMin));
     FixedText::copy(m_result.minimum, number);
     snprintf(number, sizeof number, "%.6f", double(m_fPowerMax));
     FixedText::copy(m_result.maximum, number);
-    FixedText::copyMeasurement(m_result.value, valueText);
-    FixedText::copy(m_result.pass, m_bPass ? "YES" : "NO");
+    std::memcpy(m_aResultLimits, limits, sizeof limits);
+    m_bResultLimitsSet = true;
 }
 
 void NerioOpm::setHoldInfo()

@@ -162,6 +162,7 @@ struct OpmPageProbe
                  { "terminated", n(std::memchr(r.value, 0, sizeof r.value)
                                    && std::memchr(p->m_sOpmRef.value, 0, sizeof p->m_sOpmRef.value)) },
                  { "value", fieldText(r.value) }, { "limitsUnit", fieldText(r.limitsUnit) },
+                 { "resultLimits", fieldText(r.minimum) + ' ' + fieldText(r.maximum) },
                  { "fiberLength", fieldText(r.fiberLength) }, { "testMode", fieldText(r.testMode) },
                  { "ref", fieldText(r.ref) }, { "verdict", fieldText(r.pass) } };
     }
