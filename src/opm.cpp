@@ -83,12 +83,20 @@ void terminateTexts(OpmShareRecord& record)
 
 int addressAsInt(const void* p) { return static_cast<int>(reinterpret_cast<intptr_t>(p)); }
 
-// For the labels of a tick: a new palette costs far more than the comparison, and the colour
-// seldom changes.
+// For the widgets of a tick: a new palette or string costs far more than the comparison, and
+// what they show seldom changes.
 void showTextColour(CLabel* label, const QColor& colour)
 {
     if (label->textColor() != colour)
         label->setTextColor(colour);
+}
+
+template <typename Widget>
+void showLatin1(Widget* widget, const char* text)
+{
+    const QLatin1String latin1(text);
+    if (widget->text() != latin1)
+        widget->setText(QString(latin1));
 }
 
 const Qt::Alignment kRightCentred = Qt::AlignRight | Qt::AlignCenter;
@@ -533,7 +541,8 @@ void NerioOpm::showResult()
         FixedText::copyField(m_sOpmRef.unit, Opm.unit);
     }
 
-    const float fReading = toFloat(atof(Opm.value));
+    const double reading = atof(Opm.value);
+    const float fReading = toFloat(reading);
     float fResult = 0.0f;
     if (noLight) {
         FixedText::copy(text, sizeof text, "---.--");
@@ -576,7 +585,7 @@ void NerioOpm::showResult()
             fResult = fReading;
             const char* unit = std::strcmp(Opm.unit, "dB") == 0 ? "dB" : "dBm";
             snprintf(text, sizeof text, "%.3f %s", double(fResult), unit);
-            m_pdBm->setText(unit);
+            showLatin1(m_pdBm, unit);
             FixedText::copy(m_result.limitsUnit, unit);
             break;
         }
@@ -587,9 +596,8 @@ void NerioOpm::showResult()
     }
 
     showTextColour(m_pOpmCurValue, m_qColorTextColor);
-    m_pOpmCurValue->setText(QString::fromLatin1(text));
+    showLatin1(m_pOpmCurValue, text);
 
-    const double reading = atof(Opm.value);
     if (m_bPowerLimits)
         m_pOffsetBarResult->setRangedOffset(double(m_fPowerMin), double(m_fPowerMax), reading);
     else
@@ -658,7 +666,7 @@ void NerioOpm::updateResultSummary()
     } else {
         FixedText::copy(line, sizeof line, " ");
     }
-    m_pSummary->setText(QString::fromLatin1(line));
+    showLatin1(m_pSummary, line);
 }
 
 void NerioOpm::deleteSpace(char* ptr)
