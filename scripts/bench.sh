@@ -216,6 +216,18 @@ for ((i = 1; i <= idle_runs; i++)); do
     idle_run shell "$shell" --plugin "$plugin_demo" --autostart
 done
 
+# The shell stand-in's own share: the plug-in loaded and verified, but not started.
+declare -a shell_alone
+for ((i = 1; i <= runs; i++)); do
+    "$shell" --plugin "$plugin_demo" >"$log/shell-alone.txt" 2>&1 &
+    pid=$!
+    helpers+=("$pid")
+    sleep 4
+    shell_alone+=("$(peak_kb "$pid")")
+    kill -TERM "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+done
+
 # --- the table --------------------------------------------------------------------------------
 
 # shellcheck disable=SC2086
@@ -236,7 +248,8 @@ floor_mem=$(m "${memory[floor]}")
 echo
 echo "Machine: $(nproc) cores, $(sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -n 1);" \
     "Qt $(pkg-config --modversion Qt5Core 2>/dev/null || echo 5); $(date -u '+%Y-%m-%d %H:%M UTC')"
-echo "Runs: $runs per figure (idle: $idle_runs x ${idle_seconds} s); medians; QT_QPA_PLATFORM=offscreen"
+echo "Runs: $runs per figure (idle: $idle_runs x ${idle_seconds} s); medians; QT_QPA_PLATFORM=offscreen;" \
+    "floor: $floor_widgets widgets, as many as the main page of opm_bench"
 echo
 echo "| measure | program | real | floor | target | result |"
 echo "|---|---|---|---|---|---|"
@@ -270,3 +283,4 @@ for name in opm shell; do
     base=$(m "${settled[floor-$name]}")
     echo "| peak resident (VmHWM) after the idle run | $label | $(mib "$real") | $(mib "$base") | <= floor + 4 MiB | $(verdict $((real <= base + 4096))) |"
 done
+echo "| peak resident (VmHWM), plug-in loaded but not started | opmshell alone | $(mib "$(m "${shell_alone[*]}")") | $(mib "$floor_mem") | - | - |"
