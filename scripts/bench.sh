@@ -6,7 +6,7 @@
 #   BENCH_RUNS          runs per figure, the median is shown (default 5)
 #   BENCH_IDLE_RUNS     runs of the idle measurement (default 3)
 #   BENCH_IDLE_SECONDS  length of one idle measurement (default 60)
-#   BENCH_TICKS         ticks per callgrind run (default 200)
+#   BENCH_TICKS         ticks per callgrind run (default 500)
 set -euo pipefail
 
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -15,7 +15,7 @@ build_dir=$(mkdir -p "$build_dir" && cd "$build_dir" && pwd)
 runs=${BENCH_RUNS:-5}
 idle_runs=${BENCH_IDLE_RUNS:-3}
 idle_seconds=${BENCH_IDLE_SECONDS:-60}
-ticks=${BENCH_TICKS:-200}
+ticks=${BENCH_TICKS:-500}
 log=$build_dir/bench-log
 mkdir -p "$log"
 
@@ -153,7 +153,7 @@ done
 # instructions <page|floor> <changing|unchanged> <ticks>: total Ir of one callgrind run.
 instructions() {
     local out=$log/callgrind-$1-$2-$3.out
-    QT_HASH_SEED=0 valgrind --tool=callgrind --callgrind-out-file="$out" \
+    valgrind --tool=callgrind --callgrind-out-file="$out" \
         "$ticker" "$1" "$2" "$3" >/dev/null 2>"$log/callgrind-$1-$2-$3.txt"
     awk '/^(summary|totals):/ { print $2; exit }' "$out"
 }
