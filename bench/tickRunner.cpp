@@ -107,7 +107,8 @@ int main(int argc, char* argv[])
     if (args.contains("--paints") && ticks > 0) {
         int total = 0;
         for (auto it = counter.m_counts.cbegin(); it != counter.m_counts.cend(); ++it) {
-            std::fprintf(stderr, "paints %s %.2f\n", qPrintable(it.key()), double(it.value()) / ticks);
+            const double perTick = double(it.value()) / ticks;
+            std::fprintf(stderr, "paints %s %.2f\n", qPrintable(it.key()), perTick);
             total += it.value();
         }
         std::fprintf(stderr, "paints-per-tick %.2f\n", double(total) / ticks);

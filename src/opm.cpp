@@ -624,8 +624,8 @@ void NerioOpm::fillResult(const char* valueText)
     FixedText::copy(m_result.pass, m_bPass ? "YES" : "NO");
 }
 
-// Formatting a float is most of a tick's own work, and the limits seldom change: they are
-// formatted again only when they differ bit for bit (-0 prints differently from 0).
+// Formatting floats is the dearest part of a tick's own work, and the limits seldom change:
+// they are formatted again only when they differ bit for bit (-0 prints differently from 0).
 void NerioOpm::fillResultLimits()
 {
     const float limits[2] = { m_fPowerMin, m_fPowerMax };

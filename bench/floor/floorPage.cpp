@@ -63,8 +63,9 @@ void CFloorPage::addFillers(int count)
 {
     for (int i = 0; i < count; ++i) {
         auto* label = new QLabel(QStringLiteral("Caption %1").arg(i), this);
-        label->setGeometry((i % kFillerColumns) * kFillerWidth, (i / kFillerColumns) * kFillerHeight,
-                           kFillerWidth, kFillerHeight);
+        const int column = i % kFillerColumns;
+        const int row = i / kFillerColumns;
+        label->setGeometry(column * kFillerWidth, row * kFillerHeight, kFillerWidth, kFillerHeight);
     }
 }
 

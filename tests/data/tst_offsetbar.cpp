@@ -116,16 +116,15 @@ void TestOffsetBar::repaint_data()
     QTest::addColumn<QVector<double>>("before"); // low, high, value
     QTest::addColumn<QVector<double>>("after");
     QTest::addColumn<bool>("repainted");
-    QTest::newRow("same reading") << QVector<double> { -60, 10, -12.34 }
-                                  << QVector<double> { -60, 10, -12.34 } << false;
-    QTest::newRow("reading moves less than a pixel") << QVector<double> { -60, 10, -12.34 }
-                                                     << QVector<double> { -60, 10, -12.35 } << false;
-    QTest::newRow("marker moves") << QVector<double> { -60, 10, -12 }
-                                  << QVector<double> { -60, 10, -5 } << true;
-    QTest::newRow("further below the lower limit") << QVector<double> { -20, -10, -21 }
-                                                   << QVector<double> { -20, -10, -22 } << true;
-    QTest::newRow("new limits, marker in place") << QVector<double> { -60, 10, -25 }
-                                                 << QVector<double> { -70, 0, -35 } << true;
+    using Bar = QVector<double>;
+    QTest::newRow("same reading") << Bar { -60, 10, -12.34 } << Bar { -60, 10, -12.34 } << false;
+    QTest::newRow("reading moves less than a pixel")
+            << Bar { -60, 10, -12.34 } << Bar { -60, 10, -12.35 } << false;
+    QTest::newRow("marker moves") << Bar { -60, 10, -12 } << Bar { -60, 10, -5 } << true;
+    QTest::newRow("further below the lower limit")
+            << Bar { -20, -10, -21 } << Bar { -20, -10, -22 } << true;
+    QTest::newRow("new limits, marker in place")
+            << Bar { -60, 10, -25 } << Bar { -70, 0, -35 } << true;
 }
 
 void TestOffsetBar::repaint()
