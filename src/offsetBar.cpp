@@ -4,6 +4,7 @@
 #include <QBrush>
 #include <QColor>
 #include <QFont>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPen>
 
@@ -39,10 +40,17 @@ int truncateInto(double value, int low, int high, int ifNaN)
 
 QString limitLabel(double limit) { return QString::asprintf("%.2f", limit); }
 
+// Where a marker at x is drawn; nothing for no marker.
+QRect markerRect(int x) { return x < 0 ? QRect() : QRect(x, 1, kMarkerWidth, kMarkerHeight); }
+
 } // namespace
 
 OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent)
 {
+    // The bar paints every pixel of its rectangle, white as the reading panel it sits on, so
+    // that a move of the marker repaints the bar alone and not the widgets beneath it.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setBackgroundColor(Qt::white);
     const QRect area = rect();
     m_nStartX = area.x();
     m_nStartY = area.y();
@@ -60,17 +68,37 @@ OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent)
 
 OffsetBar::~OffsetBar() { }
 
+// The page calls this on every tick: only a marker that moves or a label that changes repaints,
+// and a marker that moves repaints where it was and where it is.
 void OffsetBar::setRangedOffset(double lowwater, double highwater, double offset)
 {
+    const int markerBefore = markerX();
+    const bool labelsChanged = setLimitLabels(lowwater, highwater);
     m_fOffsetValue = offset;
     m_fValueRage = highwater - lowwater;
     m_fMinValue = lowwater;
     m_fMaxValue = highwater;
     m_nPercentVal = percentOf(offset, lowwater, highwater);
+    printf("________m_nPercentVal___%d_______\n", m_nPercentVal);
+    const int markerAfter = markerX();
+    if (labelsChanged) {
+        update();
+    } else if (markerAfter != markerBefore) {
+        update(markerRect(markerBefore));
+        update(markerRect(markerAfter));
+    }
+}
+
+// Formats the labels only for limits other than the last ones (a NaN never equals them); true
+// when they were formatted.
+bool OffsetBar::setLimitLabels(double lowwater, double highwater)
+{
+    if (m_bLabelsFromLimits && lowwater == m_fMinValue && highwater == m_fMaxValue)
+        return false;
     m_sMaxValue = limitLabel(highwater);
     m_sMinValue = limitLabel(lowwater);
-    printf("________m_nPercentVal___%d_______\n", m_nPercentVal);
-    update();
+    m_bLabelsFromLimits = true;
+    return true;
 }
 
 // Any int and any difference of two ints is exact in a double, so this is the whole-number
@@ -154,10 +182,14 @@ void OffsetBar::paintEvent(QPaintEvent* event)
     painter.fillRect(QRect(1 + kScaler, 1, kBarWidth - 2 - 2 * kScaler, zoneHeight), kInRangeColour);
     painter.fillRect(QRect(kCentreX, 1, 1, kMarkerHeight), Qt::black);
 
-    const int x = markerX();
-    if (x >= 0)
-        painter.fillRect(QRect(x, 1, kMarkerWidth, kMarkerHeight), Qt::blue);
+    const QRect marker = markerRect(markerX());
+    if (!marker.isNull())
+        painter.fillRect(marker, Qt::blue);
 
+    // A moved marker repaints its old and new place only, above the labels: shaping the label
+    // texts would cost more than all the rest.
+    if (!event->rect().intersects(QRect(0, kBarHeight, width(), height() - kBarHeight)))
+        return;
     painter.drawText(QPoint(kScaler - kLabelOffset, kLabelBaseline), m_sMinValue);
     painter.drawText(QPoint(kBarWidth - kScaler - kLabelOffset, kLabelBaseline), m_sMaxValue);
 }

@@ -29,6 +29,7 @@ protected:
 private:
     static int percentOf(double offset, double lowwater, double highwater);
     int pixelsBeyond(double from, double to) const;
+    bool setLimitLabels(double lowwater, double highwater);
 
     int m_nStartX;
     int m_nStartY;
@@ -41,6 +42,8 @@ private:
     double m_fMinValue;
     double m_fValueRage;
     double m_fOffsetValue;
+    // The labels still hold the constructor's texts until the first update.
+    bool m_bLabelsFromLimits = false;
 };
 
 #endif // OFFSETBAR_H

@@ -83,6 +83,22 @@ void terminateTexts(OpmShareRecord& record)
 
 int addressAsInt(const void* p) { return static_cast<int>(reinterpret_cast<intptr_t>(p)); }
 
+// For the widgets of a tick: a new palette or string costs far more than the comparison, and
+// what they show seldom changes.
+void showTextColour(CLabel* label, const QColor& colour)
+{
+    if (label->textColor() != colour)
+        label->setTextColor(colour);
+}
+
+template <typename Widget>
+void showLatin1(Widget* widget, const char* text)
+{
+    const QLatin1String latin1(text);
+    if (widget->text() != latin1)
+        widget->setText(QString(latin1));
+}
+
 const Qt::Alignment kRightCentred = Qt::AlignRight | Qt::AlignCenter;
 
 // The page's building blocks: caption labels, selectors, buttons and numeric fields all share
@@ -412,7 +428,9 @@ CWidget* NerioOpm::CrtOpmInfoWidget()
     m_pOpmRefLabel->setBackgroundColor(Qt::white);
 
     m_pOpmCurValue = new CLabel(tr(""), m_pOpmInfoWidget);
-    m_pOpmCurValue->setFixedHeight(70);
+    // The panel's width, which the label fills anyway: at a fixed size a new reading does not
+    // make the panel lay itself out again.
+    m_pOpmCurValue->setFixedSize(m_pOpmInfoWidget->width(), 70);
     m_pOpmCurValue->setTextSize(20);
     m_pOpmCurValue->setBackgroundColor(Qt::white);
     m_pOpmCurValue->setAlignment(kRightCentred);
@@ -478,11 +496,11 @@ void NerioOpm::onTimer()
     terminateTexts(Opm);
 
     if (Opm.flag == OpmFlagNoReading) {
-        m_pOpmCurValue->setTextColor(Qt::red);
+        showTextColour(m_pOpmCurValue, Qt::red);
         return;
     }
     if (Opm.flag == OpmFlagNotConnected) {
-        m_pOpmCurValue->setTextColor(Qt::red);
+        showTextColour(m_pOpmCurValue, Qt::red);
         m_pOpmCurValue->setText(QObject::tr("OPM Not Connected!"));
         return;
     }
@@ -523,7 +541,8 @@ void NerioOpm::showResult()
         FixedText::copyField(m_sOpmRef.unit, Opm.unit);
     }
 
-    const float fReading = toFloat(atof(Opm.value));
+    const double reading = atof(Opm.value);
+    const float fReading = toFloat(reading);
     float fResult = 0.0f;
     if (noLight) {
         FixedText::copy(text, sizeof text, "---.--");
@@ -566,7 +585,7 @@ void NerioOpm::showResult()
             fResult = fReading;
             const char* unit = std::strcmp(Opm.unit, "dB") == 0 ? "dB" : "dBm";
             snprintf(text, sizeof text, "%.3f %s", double(fResult), unit);
-            m_pdBm->setText(unit);
+            showLatin1(m_pdBm, unit);
             FixedText::copy(m_result.limitsUnit, unit);
             break;
         }
@@ -576,10 +595,9 @@ void NerioOpm::showResult()
         }
     }
 
-    m_pOpmCurValue->setTextColor(m_qColorTextColor);
-    m_pOpmCurValue->setText(QString::fromLatin1(text));
+    showTextColour(m_pOpmCurValue, m_qColorTextColor);
+    showLatin1(m_pOpmCurValue, text);
 
-    const double reading = atof(Opm.value);
     if (m_bPowerLimits)
         m_pOffsetBarResult->setRangedOffset(double(m_fPowerMin), double(m_fPowerMax), reading);
     else
@@ -598,16 +616,28 @@ void NerioOpm::showResult()
 
 void NerioOpm::fillResult(const char* valueText)
 {
-    char number[512];
     FixedText::copy(m_result.testMode, m_eTestMode == PowerMeter ? "Power Meter" : "Loss Meter");
     FixedText::copyField(m_result.ref, m_aWaveLengthRef[m_eWaveLength]);
     FixedText::copyField(m_result.waveLenth, Opm.wavelenth);
+    fillResultLimits();
+    FixedText::copyMeasurement(m_result.value, valueText);
+    FixedText::copy(m_result.pass, m_bPass ? "YES" : "NO");
+}
+
+// Formatting floats is the dearest part of a tick's own work, and the limits seldom change:
+// they are formatted again only when they differ bit for bit (-0 prints differently from 0).
+void NerioOpm::fillResultLimits()
+{
+    const float limits[2] = { m_fPowerMin, m_fPowerMax };
+    if (m_bResultLimitsSet && std::memcmp(limits, m_aResultLimits, sizeof limits) == 0)
+        return;
+    char number[512];
     snprintf(number, sizeof number, "%.6f", double(m_fPowerMin));
     FixedText::copy(m_result.minimum, number);
     snprintf(number, sizeof number, "%.6f", double(m_fPowerMax));
     FixedText::copy(m_result.maximum, number);
-    FixedText::copyMeasurement(m_result.value, valueText);
-    FixedText::copy(m_result.pass, m_bPass ? "YES" : "NO");
+    std::memcpy(m_aResultLimits, limits, sizeof limits);
+    m_bResultLimitsSet = true;
 }
 
 void NerioOpm::setHoldInfo()
@@ -636,7 +666,7 @@ void NerioOpm::updateResultSummary()
     } else {
         FixedText::copy(line, sizeof line, " ");
     }
-    m_pSummary->setText(QString::fromLatin1(line));
+    showLatin1(m_pSummary, line);
 }
 
 void NerioOpm::deleteSpace(char* ptr)

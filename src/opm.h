@@ -133,6 +133,7 @@ private:
     void showReferenceLabel(int waveLength);
     void showInputError(const QString& text);
     void fillResult(const char* valueText);
+    void fillResultLimits();
 
     CLabel* l_pTitle;
     CLabel* pFileName;
@@ -183,6 +184,9 @@ private:
     CMessageBox* m_pMsgbox;
     QColor m_qColorTextColor;
     Result m_result;
+    // The limits that m_result.minimum and maximum were last formatted from.
+    float m_aResultLimits[2] = {};
+    bool m_bResultLimitsSet = false;
     bool m_bPass;
     OffsetBar* m_pOffsetBarResult;
     CBrovaOpmDataEngine* m_opmData;

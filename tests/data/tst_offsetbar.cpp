@@ -3,6 +3,7 @@
 #include "offsetBar.h"
 
 #include <QImage>
+#include <QScreen>
 #include <QtTest>
 
 #include <climits>
@@ -17,6 +18,8 @@ private slots:
     void labelsAndClear();
     void position_data();
     void position();
+    void repaint_data();
+    void repaint();
 };
 
 void TestOffsetBar::labelsAndClear()
@@ -35,6 +38,12 @@ void TestOffsetBar::labelsAndClear()
     QCOMPARE(bar.markerX(), 122);
     QCOMPARE(bar.minLabel(), QStringLiteral("-20.00"));
     QCOMPARE(bar.maxLabel(), QStringLiteral("-10.00"));
+
+    // Limits equal to the constructor's still get labels of their own.
+    OffsetBar fresh;
+    fresh.setRangedOffset(-60.0, 10.0, 0.0);
+    QCOMPARE(fresh.minLabel(), QStringLiteral("-60.00"));
+    QCOMPARE(fresh.maxLabel(), QStringLiteral("10.00"));
 }
 
 void TestOffsetBar::position_data()
@@ -88,6 +97,59 @@ void TestOffsetBar::position()
     const QImage image = bar.grab().toImage();
     QCOMPARE(image.pixelColor(markerX, 12), QColor(Qt::blue));
     QVERIFY(markerX == 0 || image.pixelColor(markerX - 1, 12) != QColor(Qt::blue));
+}
+
+class PaintCounter : public QObject
+{
+public:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        paints += event->type() == QEvent::Paint;
+        return false;
+    }
+    int paints = 0;
+};
+
+// The page updates the bar on every tick: only what shows differently may repaint it.
+void TestOffsetBar::repaint_data()
+{
+    QTest::addColumn<QVector<double>>("before"); // low, high, value
+    QTest::addColumn<QVector<double>>("after");
+    QTest::addColumn<bool>("repainted");
+    using Bar = QVector<double>;
+    QTest::newRow("same reading") << Bar { -60, 10, -12.34 } << Bar { -60, 10, -12.34 } << false;
+    QTest::newRow("reading moves less than a pixel")
+            << Bar { -60, 10, -12.34 } << Bar { -60, 10, -12.35 } << false;
+    QTest::newRow("marker moves") << Bar { -60, 10, -12 } << Bar { -60, 10, -5 } << true;
+    QTest::newRow("further below the lower limit")
+            << Bar { -20, -10, -21 } << Bar { -20, -10, -22 } << true;
+    QTest::newRow("new limits, marker in place")
+            << Bar { -60, 10, -25 } << Bar { -70, 0, -35 } << true;
+}
+
+void TestOffsetBar::repaint()
+{
+    QFETCH(QVector<double>, before);
+    QFETCH(QVector<double>, after);
+    QFETCH(bool, repainted);
+
+    OffsetBar bar;
+    bar.setRangedOffset(before[0], before[1], before[2]);
+    bar.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&bar));
+    QCoreApplication::processEvents();
+    PaintCounter counter;
+    bar.installEventFilter(&counter);
+    bar.setRangedOffset(after[0], after[1], after[2]);
+    QCoreApplication::processEvents();
+    QCOMPARE(counter.paints > 0, repainted);
+
+    // What the screen shows after the partial repaint is a bar drawn afresh.
+    OffsetBar fresh;
+    fresh.setRangedOffset(after[0], after[1], after[2]);
+    const QImage shown = bar.screen()->grabWindow(bar.winId()).toImage();
+    QCOMPARE(shown.convertToFormat(QImage::Format_RGB32),
+             fresh.grab().toImage().convertToFormat(QImage::Format_RGB32));
 }
 
 QTEST_MAIN(TestOffsetBar)

@@ -39,6 +39,13 @@ void TestOpmSave::scenario_data()
                 << Keys() << steps.arg(other) << with(shown, { { "stored", "0" } });
     QTest::newRow("reading") << Keys() << steps.arg(1)
                              << with(shown, { { "stored", "2" }, { "boxes", "0" } });
+
+    // The limits a save would store follow a limit entered between two ticks, down to its sign.
+    QTest::newRow("new limit") << Keys() << "show 1550 -12.34; enter min -20; tick"
+            << Keys { { "resultLimits", "-20.000000 10.000000" }, { "file:PowerLimitMinimum", "-20" } };
+    QTest::newRow("zero of the other sign") << Keys()
+            << "show 1550 -12.34; enter min 0; tick; enter min -0; tick"
+            << Keys { { "resultLimits", "-0.000000 10.000000" }, { "file:PowerLimitMinimum", "0" } };
 }
 
 void TestOpmSave::scenario()

@@ -202,6 +202,7 @@ struct OpmPageProbe
                                    && std::memchr(p->m_sOpmRef.value, 0, sizeof p->m_sOpmRef.value)) },
                  { "value", fieldText(r.value) }, { "waveLenth", fieldText(r.waveLenth) },
                  { "limitsUnit", fieldText(r.limitsUnit) },
+                 { "resultLimits", fieldText(r.minimum) + ' ' + fieldText(r.maximum) },
                  { "fiberLength", fieldText(r.fiberLength) }, { "testMode", fieldText(r.testMode) },
                  { "ref", fieldText(r.ref) }, { "verdict", fieldText(r.pass) } };
     }

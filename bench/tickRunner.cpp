@@ -1,0 +1,120 @@
+// bench_ticks <page|floor> <changing|unchanged|moving> <ticks> [--paints]
+// Drives ticks of the Setup tab (inside the main page, as the program shows it) or of the floor
+// page without waiting for the timer: each tick writes a reading into the shared record, calls
+// the timer's slot and lets the offscreen backing store repaint what the tick changed. Run it
+// under callgrind with 0 and with N ticks: the difference over N is the cost of one tick.
+// --paints prints how many widgets each tick repainted, by class; --shot FILE saves what the
+// offscreen screen shows after the ticks.
+#include "floorPage.h"
+#include "opmMain.h"
+#include "testSupport.h"
+
+#include <QApplication>
+#include <QMap>
+#include <QPixmap>
+#include <QScreen>
+#include <QTimer>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+class CPaintCounter : public QObject
+{
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++m_counts[QString::fromLatin1(watched->metaObject()->className())];
+        return false;
+    }
+    QMap<QString, int> m_counts;
+};
+
+// The live reader's way: "%.2f", changing by a hundredth of a dB (the bar's marker stays), or
+// moving by 2 dB (the marker moves), or not at all.
+QByteArray readingText(const QString& mode, int tick)
+{
+    double value = -11.80;
+    if (mode == QLatin1String("changing"))
+        value -= 0.01 * (tick % 20);
+    else if (mode == QLatin1String("moving"))
+        value -= 2.0 * (tick % 20);
+    return QByteArray::number(value, 'f', 2);
+}
+
+void settle()
+{
+    for (int i = 0; i < 10; ++i)
+        QCoreApplication::processEvents();
+}
+
+void runTick(QObject* target, const char* slot, RecordWriter& reader, const QString& mode, int tick)
+{
+    reader.setReading("850", "dBm", readingText(mode, tick).constData());
+    QMetaObject::invokeMethod(target, slot);
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    const QStringList args = QCoreApplication::arguments();
+    if (args.size() < 4 || (args[1] != "page" && args[1] != "floor")) {
+        std::fprintf(stderr, "usage: bench_ticks <page|floor> <changing|unchanged|moving> <ticks> "
+                             "[--paints] [--shot FILE]\n");
+        return 2;
+    }
+    const QString mode = args[2];
+    const int ticks = args[3].toInt();
+
+    TestDeviceRoot root;
+    RecordWriter reader;
+    reader.setReading("850", "dBm", readingText(mode, 0).constData());
+    CBrovaOpmDataEngine::getSingleInstance()->clearAllresultItem();
+
+    std::unique_ptr<QWidget> window;
+    QObject* target = nullptr;
+    const char* slot = nullptr;
+    if (args[1] == "page") {
+        window.reset(new COpmMainPage);
+        target = window->findChild<NerioOpm*>();
+        slot = "onTimer";
+    } else {
+        window.reset(new CFloorPage(CFloorPage::kDefaultWidgetCount));
+        target = window.get();
+        slot = "tick";
+    }
+    window->setGeometry(141, 61, 658, 398);
+    window->show();
+    settle();
+    // The ticks are ours alone.
+    for (QTimer* timer : target->findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly))
+        timer->stop();
+    runTick(target, slot, reader, mode, 0); // the first reading lays the panel out
+    settle();
+
+    CPaintCounter counter;
+    if (args.contains("--paints"))
+        app.installEventFilter(&counter);
+    for (int i = 1; i <= ticks; ++i)
+        runTick(target, slot, reader, mode, i);
+    app.removeEventFilter(&counter);
+
+    if (args.contains("--paints") && ticks > 0) {
+        int total = 0;
+        for (auto it = counter.m_counts.cbegin(); it != counter.m_counts.cend(); ++it) {
+            const double perTick = double(it.value()) / ticks;
+            std::fprintf(stderr, "paints %s %.2f\n", qPrintable(it.key()), perTick);
+            total += it.value();
+        }
+        std::fprintf(stderr, "paints-per-tick %.2f\n", double(total) / ticks);
+    }
+    const int shot = args.indexOf(QStringLiteral("--shot"));
+    if (shot > 0 && !window->screen()->grabWindow(window->winId()).save(args.value(shot + 1)))
+        return 1;
+    return 0;
+}
