@@ -37,9 +37,7 @@ cmake --build "$build_dir" -j "$(nproc 2>/dev/null || echo 2)" --target \
     opm_demo opmplugin_demo opm_bench opmplugin_bench opmshell lumenProbe opmfloor opmfloor_bench bench_ticks \
     >"$log/build.txt"
 
-root=$(sed -n 's/^OPM_DEMO_ROOT:PATH=//p' "$build_dir/CMakeCache.txt")
-root=${root:-$build_dir/demo-root}
-reader=$root/usr/local/brova/bin/lumenProbe
+source "$(dirname "${BASH_SOURCE[0]}")/demoRoot.sh"
 opm_demo=$build_dir/src/opm_demo
 opm_bench=$build_dir/bench/opm_bench
 plugin_demo=$build_dir/src/libopmplugin_demo.so
@@ -49,18 +47,7 @@ floor=$build_dir/bench/opmfloor
 floor_bench=$build_dir/bench/opmfloor_bench
 ticker=$build_dir/bench/bench_ticks
 
-# The demo device root, as scripts/demo.sh prepares it.
-prepare_root() {
-    mkdir -p "$root/home" "$root/usr/local/brova/bin" "$root/usr/local/brova/lib" "$root/etc/brova"
-    kill_reader
-    cp -f "$build_dir/tools/lumenProbe/lumenProbe" "$reader.new"
-    mv -f "$reader.new" "$reader"
-    echo "BR-500 Common Platform V2.4.1 (build 2024-05-14)" >"$root/usr/local/brova/lib/vendor-info.txt"
-    printf 'mac=00:1a:2b:3c:4d:5e\nsn=BR-0001234\n' >"$root/etc/brova/e2prom.txt"
-}
 
-# By its path: only the demo root's reader.
-kill_reader() { killall -q -9 "$reader" 2>/dev/null || true; }
 
 helpers=()
 cleanup() {

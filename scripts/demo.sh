@@ -15,17 +15,14 @@ bash "$source_dir/scripts/setup.sh"
 cmake -S "$source_dir" -B "$build_dir" >/dev/null
 cmake --build "$build_dir" -j "$(nproc 2>/dev/null || echo 2)"
 
-root=$(sed -n 's/^OPM_DEMO_ROOT:PATH=//p' "$build_dir/CMakeCache.txt")
-root=${root:-$build_dir/demo-root}
+source "$source_dir/scripts/demoRoot.sh"
 shell=$build_dir/tools/opmshell/opmshell
-probe=$build_dir/tools/lumenProbe/lumenProbe
 inspector=$build_dir/tools/opmrecord/opmrecord
 plugin=$(ls "$build_dir"/src/*opmplugin_demo.so 2>/dev/null | head -n 1 || true)
 if [[ -z $plugin ]]; then
     echo "demo: the demo plug-in was not built in $build_dir/src" >&2
     exit 1
 fi
-reader=$root/usr/local/brova/bin/lumenProbe
 helpers=()
 
 cleanup() {
@@ -33,21 +30,9 @@ cleanup() {
     for pid in "${helpers[@]}"; do
         kill "$pid" 2>/dev/null || true
     done
-    # By its path: only the demo root's reader, never one of another run or of the tests.
-    killall -q -9 "$reader" 2>/dev/null || true
+    kill_reader
 }
 trap cleanup EXIT
-
-prepare_root() {
-    mkdir -p "$root/home" "$root/usr/local/brova/bin" "$root/usr/local/brova/lib" "$root/etc/brova"
-    killall -q -9 "$reader" 2>/dev/null || true
-    # A copy, not a link: the page kills its reader by this path, which must name the demo's
-    # reader alone and not the build's program that tests run too.
-    cp -f "$probe" "$reader.new"
-    mv -f "$reader.new" "$reader"
-    echo "BR-500 Common Platform V2.4.1 (build 2024-05-14)" >"$root/usr/local/brova/lib/vendor-info.txt"
-    printf 'mac=00:1a:2b:3c:4d:5e\nsn=BR-0001234\n' >"$root/etc/brova/e2prom.txt"
-}
 
 # The operator's side of the headless story, next to the shell's timed keys below: the set's
 # save key on the reader (SIGUSR1 to the pid in the record), and a move to 1550 nm behind the

@@ -19,8 +19,7 @@ fi
 
 env -u DISPLAY -u WAYLAND_DISPLAY BUILD_DIR="$build_dir" bash "$source_dir/scripts/demo.sh"
 
-root=$(sed -n 's/^OPM_DEMO_ROOT:PATH=//p' "$build_dir/CMakeCache.txt")
-root=${root:-$build_dir/demo-root}
+source "$(dirname "${BASH_SOURCE[0]}")/demoRoot.sh"
 cp -f "$root/home/brova/brova-rslt/opm/route-7.html" "$docs/example-report.html"
 cp -f "$build_dir/demo-screens/6-result-tab.png" "$docs/demo-result-tab.png"
 

@@ -12,18 +12,7 @@ seconds=${1:-600}
 harnesses=("$@")
 [ ${#harnesses[@]} -gt 0 ] || harnesses=(tick setup results)
 
-bash scripts/setup.sh
-missing=()
-for p in clang libclang-rt-14-dev; do
-    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-    echo "fuzz: installing ${missing[*]}"
-    SUDO=""
-    [ "$(id -u)" -eq 0 ] || SUDO="sudo"
-    $SUDO apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
+bash scripts/setup.sh clang libclang-rt-14-dev
 
 # Absolute: the harnesses move into a device root of their own.
 BUILD_DIR=$PWD/build-fuzz

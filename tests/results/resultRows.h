@@ -11,9 +11,9 @@
 
 #include <cstring>
 
-inline Result resultFrom(const QString& spec)
+inline Result resultFrom(const QString& row)
 {
-    const QStringList f = spec.split('|');
+    const QStringList f = row.split('|');
     Result r;
     std::memset(&r, 0, sizeof r);
     const auto put = [](char(&field)[16], const QString& text) {
@@ -33,13 +33,13 @@ inline Result resultFrom(const QString& spec)
 }
 
 // Empties the store and saves the readings in order; returns their save times.
-inline QStringList storeResults(const QStringList& specs)
+inline QStringList storeResults(const QStringList& rows)
 {
     CBrovaOpmDataEngine* store = CBrovaOpmDataEngine::getSingleInstance();
     store->clearAllresultItem();
     QStringList times;
-    for (const QString& spec : specs) {
-        Result r = resultFrom(spec);
+    for (const QString& row : rows) {
+        Result r = resultFrom(row);
         store->addResultItem(r);
         times << QString::fromLatin1(r.time);
     }

@@ -1,0 +1,19 @@
+# Sourced by the demo, docs and bench scripts once build_dir is set: the build's demo device
+# root, its reader, and how to prepare them.
+root=$(sed -n 's/^OPM_DEMO_ROOT:PATH=//p' "$build_dir/CMakeCache.txt")
+root=${root:-$build_dir/demo-root}
+reader=$root/usr/local/brova/bin/lumenProbe
+
+# By its path: only the demo root's reader, never one of another run or of the tests.
+kill_reader() { killall -q -9 "$reader" 2>/dev/null || true; }
+
+prepare_root() {
+    mkdir -p "$root/home" "$root/usr/local/brova/bin" "$root/usr/local/brova/lib" "$root/etc/brova"
+    kill_reader
+    # A copy, not a link: the page kills its reader by this path, which must name the demo's
+    # reader alone and not the build's program that tests run too.
+    cp -f "$build_dir/tools/lumenProbe/lumenProbe" "$reader.new"
+    mv -f "$reader.new" "$reader"
+    echo "BR-500 Common Platform V2.4.1 (build 2024-05-14)" >"$root/usr/local/brova/lib/vendor-info.txt"
+    printf 'mac=00:1a:2b:3c:4d:5e\nsn=BR-0001234\n' >"$root/etc/brova/e2prom.txt"
+}
