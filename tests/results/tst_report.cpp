@@ -78,11 +78,7 @@ struct ReportFixture
     QByteArray exportAs(const QString& entry)
     {
         closer.handler = [entry](QWidget* box) {
-            auto* ok = box->findChild<QAbstractButton*>("OK");
-            if (entry != kAcceptAsProposed || !ok)
-                return answerKeyPad(box, entry);
-            ok->click();
-            return true;
+            return entry == kAcceptAsProposed ? pressKeyPad(box, "OK") : answerKeyPad(box, entry);
         };
         StdoutCapture output;
         before = QDateTime::currentDateTime();

@@ -219,17 +219,22 @@ QByteArray StdoutCapture::take()
     return text;
 }
 
+bool pressKeyPad(QWidget* box, const QString& button)
+{
+    auto* pressed = box->findChild<QAbstractButton*>(button);
+    if (box->objectName() != QLatin1String("CKeyPad") || !pressed)
+        return false;
+    pressed->click();
+    return true;
+}
+
 bool answerKeyPad(QWidget* box, const QString& entry)
 {
+    if (entry.isNull())
+        return pressKeyPad(box, QStringLiteral("Cancel"));
     auto* edit = box->findChild<QLineEdit*>();
-    if (box->objectName() != QLatin1String("CKeyPad") || !edit)
+    if (!edit)
         return false;
-    if (!entry.isNull())
-        edit->setText(entry);
-    auto* button = box->findChild<QAbstractButton*>(entry.isNull() ? QStringLiteral("Cancel")
-                                                                    : QStringLiteral("OK"));
-    if (!button)
-        return false;
-    button->click();
-    return true;
+    edit->setText(entry);
+    return pressKeyPad(box, QStringLiteral("OK"));
 }

@@ -104,8 +104,9 @@ private:
     std::FILE* m_file = nullptr;
 };
 
-// Answers the on-screen keypad: types entry and presses OK, or presses Cancel when entry is
-// null. Returns false when box is not the keypad.
+// The on-screen keypad: presses its button of that name ("OK", "Cancel"), or types entry and
+// presses OK (Cancel for a null entry). False when box is not the keypad.
+bool pressKeyPad(QWidget* box, const QString& button);
 bool answerKeyPad(QWidget* box, const QString& entry);
 
 #endif // TESTSUPPORT_H
