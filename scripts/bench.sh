@@ -47,17 +47,7 @@ floor=$build_dir/bench/opmfloor
 floor_bench=$build_dir/bench/opmfloor_bench
 ticker=$build_dir/bench/bench_ticks
 
-
-
-helpers=()
-cleanup() {
-    local pid
-    for pid in "${helpers[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    kill_reader
-}
-trap cleanup EXIT
+stop_demo_on_exit
 
 prepare_root
 export QT_QPA_PLATFORM=offscreen

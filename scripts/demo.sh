@@ -23,16 +23,7 @@ if [[ -z $plugin ]]; then
     echo "demo: the demo plug-in was not built in $build_dir/src" >&2
     exit 1
 fi
-helpers=()
-
-cleanup() {
-    local pid
-    for pid in "${helpers[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    kill_reader
-}
-trap cleanup EXIT
+stop_demo_on_exit
 
 # The operator's side of the headless story, next to the shell's timed keys below: the set's
 # save key on the reader (SIGUSR1 to the pid in the record), and a move to 1550 nm behind the

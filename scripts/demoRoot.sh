@@ -17,3 +17,9 @@ prepare_root() {
     echo "BR-500 Common Platform V2.4.1 (build 2024-05-14)" >"$root/usr/local/brova/lib/vendor-info.txt"
     printf 'mac=00:1a:2b:3c:4d:5e\nsn=BR-0001234\n' >"$root/etc/brova/e2prom.txt"
 }
+
+# Stops, when the script ends, the background helpers it listed in helpers and the reader.
+stop_demo_on_exit() {
+    helpers=()
+    trap 'for pid in "${helpers[@]}"; do kill "$pid" 2>/dev/null || true; done; kill_reader' EXIT
+}
