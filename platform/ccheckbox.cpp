@@ -2,13 +2,14 @@
 
 #include "cwidgetstyle.h"
 
-CCheckBox::CCheckBox(QWidget* parent) : QCheckBox(parent)
+CCheckBox::CCheckBox(QWidget* parent) : QCheckBox(parent), m_borderVisible(true)
 {
     CWidgetStyle::applyTextFont(this);
     applyStyle();
 }
 
-CCheckBox::CCheckBox(const QString& text, QWidget* parent) : QCheckBox(text, parent)
+CCheckBox::CCheckBox(const QString& text, QWidget* parent)
+    : QCheckBox(text, parent), m_borderVisible(true)
 {
     CWidgetStyle::applyTextFont(this);
     applyStyle();
@@ -33,9 +34,9 @@ void CCheckBox::setBorderVisible(bool visible)
 
 void CCheckBox::applyStyle()
 {
-    setStyleSheet(QStringLiteral("CCheckBox { color: %1; border: %2; min-height: 30px; }"
+    setStyleSheet(QString::fromLatin1("CCheckBox { color: %1; border: %2; min-height: 30px; }"
                                  "CCheckBox::indicator { width: 20px; height: 20px; }")
                           .arg(foregroundColor().name(),
-                               m_borderVisible ? QStringLiteral("1px solid #9aa5b1")
-                                               : QStringLiteral("none")));
+                               m_borderVisible ? QString::fromLatin1("1px solid #9aa5b1")
+                                               : QString::fromLatin1("none")));
 }

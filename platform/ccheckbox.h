@@ -7,8 +7,8 @@ class CCheckBox : public QCheckBox
 {
     Q_OBJECT
 public:
-    explicit CCheckBox(QWidget* parent = nullptr);
-    explicit CCheckBox(const QString& text, QWidget* parent = nullptr);
+    explicit CCheckBox(QWidget* parent = 0);
+    explicit CCheckBox(const QString& text, QWidget* parent = 0);
 
     void setForegroundColor(const QColor& color);
     QColor foregroundColor() const;
@@ -18,7 +18,7 @@ public:
 private:
     void applyStyle();
 
-    bool m_borderVisible = true;
+    bool m_borderVisible;
 };
 
 #endif // CCHECKBOX_H

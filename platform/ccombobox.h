@@ -7,7 +7,7 @@ class CComboBox : public QComboBox
 {
     Q_OBJECT
 public:
-    explicit CComboBox(QWidget* parent = nullptr);
+    explicit CComboBox(QWidget* parent = 0);
 };
 
 #endif // CCOMBOBOX_H

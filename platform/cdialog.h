@@ -8,7 +8,7 @@ class CDialog : public QDialog
 {
     Q_OBJECT
 public:
-    explicit CDialog(QWidget* parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
+    explicit CDialog(QWidget* parent = 0, Qt::WindowFlags flags = Qt::WindowFlags());
 
     void setBackgroundColor(const QColor& color);
     void setBorderColor(const QColor& color);
@@ -18,13 +18,13 @@ public:
     int borderWidth() const { return m_borderWidth; }
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
-    void showEvent(QShowEvent* event) override;
+    void paintEvent(QPaintEvent* event);
+    void showEvent(QShowEvent* event);
 
 private:
     QColor m_backgroundColor;
     QColor m_borderColor;
-    int m_borderWidth = 0;
+    int m_borderWidth;
 };
 
 #endif // CDIALOG_H

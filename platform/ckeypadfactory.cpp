@@ -9,7 +9,6 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include <iterator>
 
 namespace {
 
@@ -19,28 +18,32 @@ const char* const kTextKeys[] = { "1", "2", "3", "4", "5", "6", "7", "8", "9", "
                                   "O", "P", "Q", "R", "S", "T", "U", "V", "W", "X", "Y", "Z",
                                   "-", "_", ".", " " };
 
+// The text a key button types.
+const char kKeyProperty[] = "keyText";
+
 class KeyPadDialog : public QDialog
 {
+    Q_OBJECT
 public:
     KeyPadDialog(const QString& title, const QString& text, int type, int min, int max,
                  QWidget* parent)
-        : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
+        : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), m_edit(0)
     {
-        setObjectName(QStringLiteral("CKeyPad"));
+        setObjectName(QString::fromLatin1("CKeyPad"));
         setModal(true);
         setWindowTitle(title);
-        setStyleSheet(QStringLiteral("QDialog#CKeyPad { background-color: %1; border: 3px solid %2; }"
+        setStyleSheet(QString::fromLatin1("QDialog#CKeyPad { background-color: %1; border: 3px solid %2; }"
                                      "QLabel { color: %3; font-weight: bold; }"
                                      "QLineEdit { font-size: 18px; min-height: 30px; }")
                               .arg(CWidgetStyle::getColor(CWidgetStyle::DialogBackground).name(),
                                    CWidgetStyle::getColor(CWidgetStyle::ButtonGreen).name(),
                                    CWidgetStyle::getColor(CWidgetStyle::TextOnDialog).name()));
-        auto* layout = new QVBoxLayout(this);
-        auto* caption = new QLabel(title, this);
-        caption->setObjectName(QStringLiteral("title"));
+        QVBoxLayout* layout = new QVBoxLayout(this);
+        QLabel* caption = new QLabel(title, this);
+        caption->setObjectName(QString::fromLatin1("title"));
         layout->addWidget(caption);
         if (type == CKeyPadFactory::KeyPadNumeric && min < max) {
-            layout->addWidget(new QLabel(QStringLiteral("Range: %1 ~ %2").arg(min).arg(max), this));
+            layout->addWidget(new QLabel(QString::fromLatin1("Range: %1 ~ %2").arg(min).arg(max), this));
         }
         m_edit = new QLineEdit(text, this);
         if (type == CKeyPadFactory::KeyPadText && max > 0)
@@ -57,16 +60,18 @@ public:
 private:
     QGridLayout* buildKeys(int type)
     {
-        auto* grid = new QGridLayout;
+        QGridLayout* grid = new QGridLayout;
         const bool numeric = type != CKeyPadFactory::KeyPadText;
         const int columns = numeric ? 3 : 10;
-        const int count = numeric ? int(std::size(kNumericKeys)) : int(std::size(kTextKeys));
+        const int count = numeric ? int(sizeof kNumericKeys / sizeof kNumericKeys[0])
+                                  : int(sizeof kTextKeys / sizeof kTextKeys[0]);
         for (int i = 0; i < count; ++i) {
             const QString key = QString::fromLatin1(numeric ? kNumericKeys[i] : kTextKeys[i]);
-            auto* button = new CPushButton(key == QLatin1String(" ") ? tr("Space") : key, this);
+            CPushButton* button = new CPushButton(key == QLatin1String(" ") ? tr("Space") : key, this);
             button->setStyle(CPushButton::StyleGray, true);
             button->setFocusPolicy(Qt::NoFocus);
-            connect(button, &QPushButton::clicked, this, [this, key] { m_edit->insert(key); });
+            button->setProperty(kKeyProperty, key);
+            connect(button, SIGNAL(clicked()), this, SLOT(insertKey()));
             grid->addWidget(button, i / columns, i % columns);
         }
         return grid;
@@ -74,29 +79,33 @@ private:
 
     QHBoxLayout* buildActions()
     {
-        auto* row = new QHBoxLayout;
-        addAction(row, tr("Back"), CPushButton::StyleOrange, [this] { m_edit->backspace(); });
-        addAction(row, tr("Clear"), CPushButton::StyleOrange, [this] { m_edit->clear(); });
-        addAction(row, tr("Cancel"), CPushButton::StyleRed, [this] { reject(); });
-        QPushButton* ok = addAction(row, tr("OK"), CPushButton::StyleGreen, [this] { accept(); });
+        QHBoxLayout* row = new QHBoxLayout;
+        addAction(row, tr("Back"), CPushButton::StyleOrange, this, SLOT(backspace()));
+        addAction(row, tr("Clear"), CPushButton::StyleOrange, m_edit, SLOT(clear()));
+        addAction(row, tr("Cancel"), CPushButton::StyleRed, this, SLOT(reject()));
+        QPushButton* ok = addAction(row, tr("OK"), CPushButton::StyleGreen, this, SLOT(accept()));
         ok->setDefault(true);
         return row;
     }
 
-    template <typename Action>
     QPushButton* addAction(QHBoxLayout* row, const QString& caption,
-                           CPushButton::ButtonStyle style, Action action)
+                           CPushButton::ButtonStyle style, QObject* receiver, const char* slot)
     {
-        auto* button = new CPushButton(caption, this);
+        CPushButton* button = new CPushButton(caption, this);
         button->setObjectName(caption);
         button->setStyle(style, false);
         button->setFocusPolicy(Qt::NoFocus);
-        connect(button, &QPushButton::clicked, this, action);
+        connect(button, SIGNAL(clicked()), receiver, slot);
         row->addWidget(button);
         return button;
     }
 
-    QLineEdit* m_edit = nullptr;
+private slots:
+    void insertKey() { m_edit->insert(sender()->property(kKeyProperty).toString()); }
+    void backspace() { m_edit->backspace(); }
+
+private:
+    QLineEdit* m_edit;
 };
 
 } // namespace
@@ -120,3 +129,5 @@ QString CKeyPadFactory::accessKeyPad(const QString& title, const QString& text, 
     runKeyPad(title, text, type, min, max, parent, &entry);
     return entry;
 }
+
+#include "ckeypadfactory.moc"

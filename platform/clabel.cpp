@@ -5,9 +5,13 @@
 #include <QEvent>
 #include <QFontMetrics>
 
-CLabel::CLabel(QWidget* parent) : QLabel(parent) { CWidgetStyle::applyTextFont(this); }
+CLabel::CLabel(QWidget* parent) : QLabel(parent), m_autoStyle(false), m_basePixelSize(0)
+{
+    CWidgetStyle::applyTextFont(this);
+}
 
-CLabel::CLabel(const QString& text, QWidget* parent) : QLabel(text, parent)
+CLabel::CLabel(const QString& text, QWidget* parent)
+    : QLabel(text, parent), m_autoStyle(false), m_basePixelSize(0)
 {
     CWidgetStyle::applyTextFont(this);
 }

@@ -9,8 +9,8 @@ class CLabel : public QLabel
 public:
     enum WrapMode { NoWrap = 0, WordWrap = 1 };
 
-    explicit CLabel(QWidget* parent = nullptr);
-    explicit CLabel(const QString& text, QWidget* parent = nullptr);
+    explicit CLabel(QWidget* parent = 0);
+    explicit CLabel(const QString& text, QWidget* parent = 0);
 
     void setTextColor(const QColor& color);
     QColor textColor() const;
@@ -23,14 +23,14 @@ public:
     bool autoStyleEnabled() const { return m_autoStyle; }
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event);
+    void changeEvent(QEvent* event);
 
 private:
     void fitText();
 
-    bool m_autoStyle = false;
-    int m_basePixelSize = 0;
+    bool m_autoStyle;
+    int m_basePixelSize;
 };
 
 #endif // CLABEL_H

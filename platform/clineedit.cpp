@@ -6,13 +6,15 @@
 
 #include <QMouseEvent>
 
-CLineEdit::CLineEdit(QWidget* parent) : QLineEdit(parent)
+CLineEdit::CLineEdit(QWidget* parent)
+    : QLineEdit(parent), m_keyPadType(-1), m_lower(0), m_upper(0)
 {
     CWidgetStyle::applyTextFont(this);
     setMinimumHeight(30);
 }
 
-CLineEdit::CLineEdit(const QString& text, QWidget* parent) : QLineEdit(text, parent)
+CLineEdit::CLineEdit(const QString& text, QWidget* parent)
+    : QLineEdit(text, parent), m_keyPadType(-1), m_lower(0), m_upper(0)
 {
     CWidgetStyle::applyTextFont(this);
     setMinimumHeight(30);

@@ -9,8 +9,8 @@ class CLineEdit : public QLineEdit
 {
     Q_OBJECT
 public:
-    explicit CLineEdit(QWidget* parent = nullptr);
-    explicit CLineEdit(const QString& text, QWidget* parent = nullptr);
+    explicit CLineEdit(QWidget* parent = 0);
+    explicit CLineEdit(const QString& text, QWidget* parent = 0);
 
     void setSKPType(int type);
     int skpType() const { return m_keyPadType; }
@@ -23,12 +23,12 @@ public:
     bool openKeyPad();
 
 protected:
-    void mousePressEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event);
 
 private:
-    int m_keyPadType = -1;
-    int m_lower = 0;
-    int m_upper = 0;
+    int m_keyPadType;
+    int m_lower;
+    int m_upper;
     QString m_title;
 };
 

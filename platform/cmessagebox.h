@@ -11,7 +11,7 @@ class CMessageBox : public QMessageBox
 {
     Q_OBJECT
 public:
-    explicit CMessageBox(QWidget* parent = nullptr);
+    explicit CMessageBox(QWidget* parent = 0);
 
     // Shows the box modally over parent and returns the button pressed.
     int information(QWidget* parent, const QString& title, const QString& text,
@@ -25,7 +25,7 @@ public:
     QString title() const;
 
 protected:
-    void showEvent(QShowEvent* event) override;
+    void showEvent(QShowEvent* event);
 
 private:
     void applyStyle();
@@ -34,7 +34,7 @@ private:
     QMap<int, QString> m_buttonTexts;
     QColor m_textColor;
     QColor m_titleBackground;
-    QLabel* m_title = nullptr;
+    QLabel* m_title;
 };
 
 #endif // CMESSAGEBOX_H

@@ -18,13 +18,15 @@ int colorCodeOf(CPushButton::ButtonStyle style)
 
 } // namespace
 
-CPushButton::CPushButton(QWidget* parent) : QPushButton(parent)
+CPushButton::CPushButton(QWidget* parent)
+    : QPushButton(parent), m_style(StyleGray), m_small(false)
 {
     CWidgetStyle::applyTextFont(this);
     applyStyle();
 }
 
-CPushButton::CPushButton(const QString& text, QWidget* parent) : QPushButton(text, parent)
+CPushButton::CPushButton(const QString& text, QWidget* parent)
+    : QPushButton(text, parent), m_style(StyleGray), m_small(false)
 {
     CWidgetStyle::applyTextFont(this);
     applyStyle();
@@ -48,7 +50,7 @@ void CPushButton::setBackgroundColor(const QColor& color)
 void CPushButton::applyStyle()
 {
     const QColor face = CWidgetStyle::getColor(colorCodeOf(m_style));
-    setStyleSheet(QStringLiteral(
+    setStyleSheet(QString::fromLatin1(
             "CPushButton { color: white; background-color: %1; border: 2px solid %2;"
             " border-radius: 4px; font-weight: bold; min-height: 32px; min-width: %3px;"
             " padding: 0 10px; }"

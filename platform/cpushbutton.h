@@ -15,8 +15,8 @@ public:
         StyleLightBlue = 4
     };
 
-    explicit CPushButton(QWidget* parent = nullptr);
-    explicit CPushButton(const QString& text, QWidget* parent = nullptr);
+    explicit CPushButton(QWidget* parent = 0);
+    explicit CPushButton(const QString& text, QWidget* parent = 0);
 
     using QPushButton::setStyle;
     // A small button keeps the set's standard height but takes only the width of its caption.
@@ -27,8 +27,8 @@ public:
 private:
     void applyStyle();
 
-    ButtonStyle m_style = StyleGray;
-    bool m_small = false;
+    ButtonStyle m_style;
+    bool m_small;
 };
 
 #endif // CPUSHBUTTON_H

@@ -3,7 +3,8 @@
 #include "cwidgetstyle.h"
 
 CTabWidget::CTabWidget(QWidget* parent)
-    : QTabWidget(parent), m_borderColor(CWidgetStyle::getColor(CWidgetStyle::PageBackground))
+    : QTabWidget(parent), m_borderWidth(0),
+      m_borderColor(CWidgetStyle::getColor(CWidgetStyle::PageBackground))
 {
     applyStyle();
 }
@@ -27,7 +28,7 @@ void CTabWidget::applyStyle()
     const QColor page = CWidgetStyle::getColor(CWidgetStyle::PageBackground);
     const QColor panel = CWidgetStyle::getColor(CWidgetStyle::PanelBackground);
     const QColor green = CWidgetStyle::getColor(CWidgetStyle::ButtonGreen);
-    setStyleSheet(QStringLiteral(
+    setStyleSheet(QString::fromLatin1(
             "CTabWidget::pane { border: %1px solid %2; background-color: %3; top: -1px; }"
             "CTabWidget > QTabBar::tab { color: white; background-color: %4; min-width: 110px;"
             " min-height: 26px; padding: 2px 12px; border-top-left-radius: 4px;"

@@ -8,7 +8,7 @@ class CTabWidget : public QTabWidget
 {
     Q_OBJECT
 public:
-    explicit CTabWidget(QWidget* parent = nullptr);
+    explicit CTabWidget(QWidget* parent = 0);
 
     virtual void setSize(int width, int height);
     void setBorderWidth(int width);
@@ -20,7 +20,7 @@ signals:
 private:
     void applyStyle();
 
-    int m_borderWidth = 0;
+    int m_borderWidth;
     QColor m_borderColor;
 };
 

@@ -12,7 +12,7 @@ CUtilWindow::CUtilWindow(QWidget* parent) : CWidget(parent)
         setGeometry(area);
     else
         resize(area.size());
-    auto* layout = new QVBoxLayout(this);
+    QVBoxLayout* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
 }

@@ -11,13 +11,13 @@ class CUtilWindow : public CWidget
 {
     Q_OBJECT
 public:
-    explicit CUtilWindow(QWidget* parent = nullptr);
+    explicit CUtilWindow(QWidget* parent = 0);
 
     void setCentralWidget(QWidget* widget);
     QWidget* centralWidget() const { return m_central; }
 
-    void updateWindow(bool repaintNow) override;
-    void closeWindow() override;
+    void updateWindow(bool repaintNow);
+    void closeWindow();
 
 private:
     QPointer<QWidget> m_central;

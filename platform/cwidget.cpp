@@ -2,9 +2,12 @@
 
 #include <QPainter>
 
-CWidget::CWidget(QWidget* parent, Qt::WindowFlags flags) : QWidget(parent, flags) { }
+CWidget::CWidget(QWidget* parent, Qt::WindowFlags flags)
+    : QWidget(parent, flags), m_borderWidth(0), m_arrowKeyFocus(false)
+{
+}
 
-CWidget::~CWidget() = default;
+CWidget::~CWidget() { }
 
 int CWidget::type() const { return 0; }
 void CWidget::apply() { }

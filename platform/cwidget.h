@@ -10,8 +10,8 @@ class CWidget : public QWidget
 {
     Q_OBJECT
 public:
-    explicit CWidget(QWidget* parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
-    ~CWidget() override;
+    explicit CWidget(QWidget* parent = 0, Qt::WindowFlags flags = Qt::WindowFlags());
+    ~CWidget();
 
     virtual int type() const;
     virtual void apply();
@@ -45,13 +45,13 @@ signals:
     void requestToClose();
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    void paintEvent(QPaintEvent* event);
 
 private:
     QColor m_backgroundColor;
     QColor m_borderColor;
-    int m_borderWidth = 0;
-    bool m_arrowKeyFocus = false;
+    int m_borderWidth;
+    bool m_arrowKeyFocus;
 };
 
 #endif // CWIDGET_H

@@ -35,9 +35,9 @@ public:
 
     static QColor getColor(int code);
     static QRect getScreenRegion(int code);
-    static void centerWidget(QWidget* widget, const QWidget* over = nullptr);
+    static void centerWidget(QWidget* widget, const QWidget* over = 0);
     // The set's compact text size, so that captions fit the fixed widths of its pages.
-    static constexpr int kTextPixelSize = 14;
+    enum { kTextPixelSize = 14 };
     static void applyTextFont(QWidget* widget);
 };
 

@@ -2,10 +2,13 @@
 
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 
 namespace halmanager {
+
+const char* const PlatE2PromServ::kDataFile = "/etc/brova/e2prom.txt";
 
 PlatE2PromServ::PlatE2PromServ() : m_file(kDataFile) { }
 
@@ -13,12 +16,12 @@ PlatE2PromServ::PlatE2PromServ(const std::string& root) : m_file(root + kDataFil
 
 bool PlatE2PromServ::readItem(const char* key, std::string* value) const
 {
-    std::ifstream in(m_file);
+    std::ifstream in(m_file.c_str());
     const std::string prefix = std::string(key) + "=";
     std::string line;
     while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+        if (!line.empty() && line[line.size() - 1] == '\r')
+            line.erase(line.size() - 1);
         if (line.compare(0, prefix.size(), prefix) == 0) {
             *value = line.substr(prefix.size());
             return true;
@@ -38,7 +41,7 @@ int PlatE2PromServ::ReadMacAddr(char* mac)
         if (pos + 2 > text.size() || !std::isxdigit(static_cast<unsigned char>(text[pos]))
             || !std::isxdigit(static_cast<unsigned char>(text[pos + 1])))
             return -2;
-        bytes[i] = static_cast<unsigned char>(std::stoi(text.substr(pos, 2), nullptr, 16));
+        bytes[i] = static_cast<unsigned char>(strtol(text.substr(pos, 2).c_str(), 0, 16));
         pos += 2;
         if (i < 5) {
             if (pos >= text.size() || (text[pos] != ':' && text[pos] != '-'))
@@ -55,8 +58,8 @@ int PlatE2PromServ::ReadMacAddr(char* mac)
 // The serial goes into reports as it is: only printable ASCII passes.
 static bool isPlainText(const std::string& text)
 {
-    for (const char c : text) {
-        if (c < 0x20 || c > 0x7e)
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] < 0x20 || text[i] > 0x7e)
             return false;
     }
     return true;

@@ -11,8 +11,8 @@ namespace halmanager {
 class PlatE2PromServ
 {
 public:
-    static constexpr const char* kDataFile = "/etc/brova/e2prom.txt";
-    static constexpr int kSerialSize = 32;
+    static const char* const kDataFile;
+    enum { kSerialSize = 32 };
 
     PlatE2PromServ();
     // Reads the data file below root instead of "/" (for the demo and the tests).

@@ -5,7 +5,7 @@
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
-    COpmMainPage page(nullptr);
+    COpmMainPage page(0);
     page.setGeometry(141, 61, 658, 398);
     page.show();
     return app.exec();

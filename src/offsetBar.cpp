@@ -9,6 +9,7 @@
 #include <QPen>
 
 #include <cmath>
+#include <math.h>
 #include <cstdio>
 
 namespace {
@@ -35,17 +36,22 @@ int truncateInto(double value, int low, int high, int ifNaN)
 {
     if (std::isnan(value))
         return ifNaN;
-    return static_cast<int>(std::fmax(double(low), std::fmin(double(high), std::trunc(value))));
+    return static_cast<int>(::fmax(double(low), ::fmin(double(high), ::trunc(value))));
 }
 
-QString limitLabel(double limit) { return QString::asprintf("%.2f", limit); }
+QString limitLabel(double limit)
+{
+    char text[400]; // room for the largest double in "%.2f"
+    snprintf(text, sizeof text, "%.2f", limit);
+    return QString::fromLatin1(text);
+}
 
 // Where a marker at x is drawn; nothing for no marker.
 QRect markerRect(int x) { return x < 0 ? QRect() : QRect(x, 1, kMarkerWidth, kMarkerHeight); }
 
 } // namespace
 
-OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent)
+OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent), m_bLabelsFromLimits(false)
 {
     // The bar paints every pixel of its rectangle, white as the reading panel it sits on, so
     // that a move of the marker repaints the bar alone and not the widgets beneath it.
@@ -61,7 +67,7 @@ OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent)
     m_fOffsetValue = 0.0;
     m_fMaxValue = 10.0;
     m_fMinValue = -60.0;
-    m_fValueRage = std::trunc(std::fabs(m_fMaxValue - m_fMinValue));
+    m_fValueRage = ::trunc(std::fabs(m_fMaxValue - m_fMinValue));
     resize(kWidgetWidth, kWidgetHeight);
     clear();
 }

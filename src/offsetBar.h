@@ -10,8 +10,8 @@ class OffsetBar : public CWidget
 {
     Q_OBJECT
 public:
-    explicit OffsetBar(QWidget* parent = nullptr);
-    ~OffsetBar() override;
+    explicit OffsetBar(QWidget* parent = 0);
+    ~OffsetBar();
 
     void setRangedOffset(double lowwater, double highwater, double offset);
     void setRangedOffset(int lowwater, int highwater, int offset);
@@ -24,7 +24,7 @@ public:
     QString maxLabel() const { return m_sMaxValue; }
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    void paintEvent(QPaintEvent* event);
 
 private:
     static int percentOf(double offset, double lowwater, double highwater);
@@ -43,7 +43,7 @@ private:
     double m_fValueRage;
     double m_fOffsetValue;
     // The labels still hold the constructor's texts until the first update.
-    bool m_bLabelsFromLimits = false;
+    bool m_bLabelsFromLimits;
 };
 
 #endif // OFFSETBAR_H

@@ -18,11 +18,10 @@
 
 #include <cfloat>
 #include <cmath>
-#include <cstdint>
+#include <stdint.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 
 namespace {
 
@@ -145,11 +144,15 @@ Box* newBox(int spacing)
     return box;
 }
 
-QVBoxLayout* newColumn(std::initializer_list<QWidget*> widgets, int spacing)
+// A column of up to three widgets (a null one is left out), pushed to the top.
+QVBoxLayout* newColumn(int spacing, QWidget* first, QWidget* second = 0, QWidget* third = 0)
 {
     QVBoxLayout* column = newBox<QVBoxLayout>(spacing);
-    for (QWidget* widget : widgets)
-        column->addWidget(widget);
+    QWidget* const widgets[] = { first, second, third };
+    for (size_t i = 0; i < sizeof widgets / sizeof widgets[0]; ++i) {
+        if (widgets[i])
+            column->addWidget(widgets[i]);
+    }
     column->addStretch();
     return column;
 }
@@ -160,20 +163,21 @@ QVBoxLayout* newColumn(std::initializer_list<QWidget*> widgets, int spacing)
 // Construction and lifecycle
 
 NerioOpm::NerioOpm(QWidget* parent)
-    : CWidget(parent), l_pTitle(nullptr), pFileName(nullptr), pWaveLength(nullptr),
-      m_pWaveLength(nullptr), pTestMode(nullptr), m_pTestMode(nullptr), m_pSummary(nullptr),
-      m_pHold(nullptr), m_pSave(nullptr), m_pReference(nullptr), m_pdBm(nullptr), m_pmW(nullptr),
-      m_puW(nullptr), m_pOpmInfoWidget(nullptr), m_pOpmInfoTitle(nullptr),
-      m_pOpmRefLabel(nullptr), m_pOpmCurValue(nullptr), m_pLimits(nullptr), pMinimum(nullptr),
-      m_pMinimum(nullptr), pMaximum(nullptr), m_pMaximum(nullptr), m_pLossMeterUnit(nullptr),
-      m_pLabelLossLength(nullptr), m_pLossLength(nullptr), m_pReferenceDialog(nullptr),
-      m_pReferenceSet(nullptr), m_pReferenceCancel(nullptr), m_pRefLabel1(nullptr),
-      m_pRefLabel2(nullptr), m_pRefLabel3(nullptr), m_pRefTitle(nullptr), m_pTimer(nullptr),
-      m_addr(nullptr), Opm(), m_sOpmRef(), m_bHold(false), m_bPowerLimits(false),
+    : CWidget(parent), l_pTitle(0), pFileName(0), pWaveLength(0),
+      m_pWaveLength(0), pTestMode(0), m_pTestMode(0), m_pSummary(0),
+      m_pHold(0), m_pSave(0), m_pReference(0), m_pdBm(0), m_pmW(0),
+      m_puW(0), m_pOpmInfoWidget(0), m_pOpmInfoTitle(0),
+      m_pOpmRefLabel(0), m_pOpmCurValue(0), m_pLimits(0), pMinimum(0),
+      m_pMinimum(0), pMaximum(0), m_pMaximum(0), m_pLossMeterUnit(0),
+      m_pLabelLossLength(0), m_pLossLength(0), m_pReferenceDialog(0),
+      m_pReferenceSet(0), m_pReferenceCancel(0), m_pRefLabel1(0),
+      m_pRefLabel2(0), m_pRefLabel3(0), m_pRefTitle(0), m_pTimer(0),
+      m_addr(0), Opm(), m_sOpmRef(), m_bHold(false), m_bPowerLimits(false),
       m_eTestMode(PowerMeter), m_eRusultUnit(dB), m_eLossLengthType(LossLim_dB),
       m_aWaveLengthRef(), m_eWaveLength(Type_850nmMMF), m_fLength(1.0f), m_fPowerMin(-60.0f),
-      m_fPowerMax(10.0f), m_pMsgbox(nullptr), m_result(), m_bPass(false),
-      m_pOffsetBarResult(nullptr), m_opmData(nullptr)
+      m_fPowerMax(10.0f), m_pMsgbox(0), m_result(), m_aResultLimits(), m_bResultLimitsSet(false),
+      m_bPass(false),
+      m_pOffsetBarResult(0), m_opmData(0)
 {
     m_opmData = CBrovaOpmDataEngine::getSingleInstance();
     if (!m_opmData) {
@@ -188,8 +192,8 @@ NerioOpm::NerioOpm(QWidget* parent)
     m_pLossLength->hide();
     m_pOpmRefLabel->hide();
 
-    m_pMsgbox = nullptr;
-    m_pReferenceDialog = nullptr;
+    m_pMsgbox = 0;
+    m_pReferenceDialog = 0;
     m_eTestMode = PowerMeter;
     m_eRusultUnit = dB;
     m_eLossLengthType = LossLim_dB;
@@ -249,7 +253,7 @@ void NerioOpm::clientQuit()
 {
     if (m_pReferenceDialog) {
         delete m_pReferenceDialog;
-        m_pReferenceDialog = nullptr;
+        m_pReferenceDialog = 0;
     }
     DevicePaths::runCommand(DevicePaths::killReaderCommand());
     close();
@@ -336,9 +340,9 @@ bool NerioOpm::initialize()
     m_pdBm = newButton(tr("dBm"), this);
     m_pmW = newButton(tr("mW"), this);
     m_puW = newButton(tr("uW"), this);
-    QVBoxLayout* pSubVLyt1 = newColumn({ m_pHold, m_pSave, m_pReference }, 20);
-    QVBoxLayout* pSubVLyt3 = newColumn({ m_pdBm, m_pmW, m_puW }, 20);
-    QVBoxLayout* pSubVLyt2 = newColumn({ CrtOpmInfoWidget() }, 0);
+    QVBoxLayout* pSubVLyt1 = newColumn(20, m_pHold, m_pSave, m_pReference);
+    QVBoxLayout* pSubVLyt3 = newColumn(20, m_pdBm, m_pmW, m_puW);
+    QVBoxLayout* pSubVLyt2 = newColumn(0, CrtOpmInfoWidget());
     QHBoxLayout* pSubMainHLyt4 = newBox<QHBoxLayout>(0);
     pSubMainHLyt4->addSpacing(30);
     pSubMainHLyt4->addLayout(pSubVLyt1);
@@ -689,7 +693,7 @@ void NerioOpm::saveResult()
     const int flag = isShareMemReady() ? m_addr->flag : int(OpmFlagNotConnected);
     printf("saveResul tm_addr->flag(%d) \n", flag);
     if (m_opmData->getResultItemCount() > CBrovaOpmDataEngine::kMaxResults - 1) {
-        CMessageBox box(nullptr);
+        CMessageBox box(0);
         box.setTextColor(Qt::blue);
         box.setTextAlignment(Qt::AlignCenter);
         box.setFixedSize(500, 300);
@@ -1001,11 +1005,7 @@ CDialog* NerioOpm::CrtReferenceDialog()
     connect(m_pReferenceSet, SIGNAL(clicked()), this, SLOT(onReferBtnChanged()));
     connect(m_pReferenceCancel, SIGNAL(clicked()), this, SLOT(onReferBtnChanged()));
     // Escape or a close of the toolkit's dialog counts as Cancel.
-    CDialog* dialog = m_pReferenceDialog;
-    connect(dialog, &QDialog::rejected, this, [this, dialog] {
-        if (m_pReferenceDialog == dialog)
-            handleDialog();
-    });
+    connect(m_pReferenceDialog, SIGNAL(rejected()), this, SLOT(onReferenceRejected()));
 
     printf("CrtReferenceDialog %d\n ", addressAsInt(m_pReferenceDialog));
     return m_pReferenceDialog;
@@ -1045,12 +1045,19 @@ void NerioOpm::handleDialog()
     m_sOpmRef.flag = 0;
 }
 
+// Only the dialog on screen counts: one that is already going away has nothing left to cancel.
+void NerioOpm::onReferenceRejected()
+{
+    if (sender() == m_pReferenceDialog)
+        handleDialog();
+}
+
 void NerioOpm::DelReferenceDialog()
 {
     printf("DelReferenceDialog %d\n ", addressAsInt(m_pReferenceDialog));
     if (m_pReferenceDialog)
         m_pReferenceDialog->deleteLater();
-    m_pReferenceDialog = nullptr;
+    m_pReferenceDialog = 0;
 }
 
 // ---------------------------------------------------------------------------------------------

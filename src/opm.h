@@ -49,6 +49,11 @@ struct Result
 };
 typedef Result Ressult_t;
 
+// Saved readings are copied byte for byte; the layout is the same on the set and here.
+OPM_STATIC_ASSERT(offsetof(Result, isLimit) == 144, isLimit_at_144);
+OPM_STATIC_ASSERT(offsetof(Result, time) == 145, time_at_145);
+OPM_STATIC_ASSERT(sizeof(Result) == 175, a_result_is_175_bytes);
+
 // The operator's setup as it is kept in the settings file, one text per key.
 class COpmSetupConfig
 {
@@ -80,11 +85,11 @@ class NerioOpm : public CWidget
 {
     Q_OBJECT
 public:
-    explicit NerioOpm(QWidget* parent = nullptr);
-    ~NerioOpm() override;
+    explicit NerioOpm(QWidget* parent = 0);
+    ~NerioOpm();
 
-    bool initialize() override;
-    void translate() override;
+    bool initialize();
+    void translate();
 
 signals:
     void exitUtil();
@@ -101,11 +106,12 @@ private slots:
     void onReferBtnChanged();
     void onStateChanged();
     void handleDialog();
+    void onReferenceRejected();
     void onTimer();
 
 protected:
-    void showEvent(QShowEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
+    void showEvent(QShowEvent* event);
+    void hideEvent(QHideEvent* event);
 
 private:
     friend struct OpmPageProbe;
@@ -185,8 +191,8 @@ private:
     QColor m_qColorTextColor;
     Result m_result;
     // The limits that m_result.minimum and maximum were last formatted from.
-    float m_aResultLimits[2] = {};
-    bool m_bResultLimitsSet = false;
+    float m_aResultLimits[2];
+    bool m_bResultLimitsSet;
     bool m_bPass;
     OffsetBar* m_pOffsetBarResult;
     CBrovaOpmDataEngine* m_opmData;

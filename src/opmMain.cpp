@@ -27,16 +27,17 @@
 // ---------------------------------------------------------------------------------------------
 // Result store
 
-CBrovaOpmDataEngine* CBrovaOpmDataEngine::m_pInstance = nullptr;
+CBrovaOpmDataEngine* CBrovaOpmDataEngine::m_pInstance = 0;
 
 namespace {
 
 // Every text field that leaves the store ends inside its width, so its readers may use "%s".
 void endTextFields(Result& record)
 {
-    for (char* field : { record.testMode, record.waveLenth, record.minimum, record.maximum,
-             record.value, record.ref, record.pass, record.limitsUnit, record.fiberLength })
-        field[sizeof record.testMode - 1] = '\0';
+    char* const fields[] = { record.testMode, record.waveLenth, record.minimum, record.maximum,
+        record.value, record.ref, record.pass, record.limitsUnit, record.fiberLength };
+    for (size_t i = 0; i < sizeof fields / sizeof fields[0]; ++i)
+        fields[i][sizeof record.testMode - 1] = '\0';
 }
 
 } // namespace
@@ -52,7 +53,7 @@ void CBrovaOpmDataEngine::addResultItem(Result& record)
 {
     if (m_resultCache.size() > size_t(kMaxResults - 1))
         m_resultCache.pop_front();
-    const time_t now = time(nullptr);
+    const time_t now = time(0);
     struct tm local = {};
     localtime_r(&now, &local);
     char stamp[64];
@@ -128,7 +129,7 @@ COpmMainPage::~COpmMainPage()
 {
     puts("COpmMainPage::~COpmMainPage ");
     delete m_pE2promserv;
-    m_pE2promserv = nullptr;
+    m_pE2promserv = 0;
     DevicePaths::runCommand(DevicePaths::killReaderCommand());
 }
 
@@ -203,7 +204,11 @@ const char kLastCell[] = "<td align=\"center\">%s</td></tr></table><br />";
 class ResultTable
 {
 public:
-    ResultTable() { add("<table border=\"1\">\n"); }
+    ResultTable() : m_used(0)
+    {
+        m_text[0] = '\0';
+        add("<table border=\"1\">\n");
+    }
 
     void add(const char* format, ...) __attribute__((format(printf, 2, 3)))
     {
@@ -220,8 +225,8 @@ public:
     const char* text() const { return m_text; }
 
 private:
-    char m_text[1024] = {};
-    size_t m_used = 0;
+    char m_text[1024];
+    size_t m_used;
 };
 
 int tableVariant(const Result& r)
@@ -279,7 +284,7 @@ void printReadError(int line)
 // Day and month names are English whatever the machine's locale.
 QString reportDateTime(const QDateTime& now)
 {
-    return QLocale(QLocale::English).toString(now, QStringLiteral("dddd MMMM yyyy hh:mm:ss"));
+    return QLocale(QLocale::English).toString(now, QString::fromLatin1("dddd MMMM yyyy hh:mm:ss"));
 }
 
 } // namespace
@@ -293,8 +298,8 @@ int opmGetVersion(const char* sPath, char* pOut, size_t nOutLength)
         return -1;
     memset(pOut, 0, nOutLength);
     std::vector<char> line(nOutLength, '\0');
-    if (nOutLength > 1 && fgets(line.data(), int(std::min<size_t>(nOutLength, INT_MAX)), in)) {
-        const char* common = strstr(line.data(), "Common");
+    if (nOutLength > 1 && fgets(&line[0], int(std::min<size_t>(nOutLength, INT_MAX)), in)) {
+        const char* common = strstr(&line[0], "Common");
         if (common)
             strcpy(pOut, common);
     }
@@ -309,7 +314,7 @@ void COpmMainPage::saveOpmResult()
         DevicePaths::runCommand(DevicePaths::makeResultDirCommand());
 
     const QString proposed
-        = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+        = QDateTime::currentDateTime().toString(QString::fromLatin1("yyyyMMdd-hhmmss"));
     const QString name = getKeyboard(tr("Save Opm Result"), proposed);
     const QByteArray path = (dir + QLatin1Char('/') + name + QLatin1String(".html")).toLocal8Bit();
 
@@ -369,7 +374,8 @@ void COpmMainPage::writeOpmHtmlData(FILE* html)
         return;
     std::list<Result> results;
     CBrovaOpmDataEngine::getSingleInstance()->getAllResultItem(results);
-    for (const Result& result : results) {
+    for (std::list<Result>::const_iterator it = results.begin(); it != results.end(); ++it) {
+        const Result& result = *it;
         const int variant = tableVariant(result);
         ResultTable table;
         table.add("%s", kTableHeaders[variant - 1]);

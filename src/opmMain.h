@@ -18,7 +18,7 @@ class PlatE2PromServ;
 class CBrovaOpmDataEngine
 {
 public:
-    static constexpr int kMaxResults = 12;
+    enum { kMaxResults = 12 };
 
     static CBrovaOpmDataEngine* getSingleInstance();
 
@@ -29,7 +29,7 @@ public:
     void getAllResultItem(std::list<Result>& p_resultCache);
 
 private:
-    CBrovaOpmDataEngine() = default;
+    CBrovaOpmDataEngine() { }
 
     std::list<Result> m_resultCache;
     static CBrovaOpmDataEngine* m_pInstance;
@@ -40,8 +40,8 @@ class COpmMainPage : public CWidget
 {
     Q_OBJECT
 public:
-    explicit COpmMainPage(QWidget* parent = nullptr);
-    ~COpmMainPage() override;
+    explicit COpmMainPage(QWidget* parent = 0);
+    ~COpmMainPage();
 
     QString getKeyboard(const QString& title, const QString& text);
     // The HTML report of every saved reading, named by the operator on the keypad (F1).
@@ -50,14 +50,14 @@ public:
     void writeOpmHtmlData(FILE* html);
     void enterInit();
     void exitClean();
-    void translate() override;
+    void translate();
 
 public slots:
     void onTabChanged(int tabIndex);
     void clientQuit();
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
+    void keyPressEvent(QKeyEvent* event);
 
 private:
     friend struct OpmPageProbe;

@@ -39,6 +39,7 @@ const SetupKey kSetupKeys[] = {
     { &COpmSetupConfig::mreference1550, "Reference1550", "0" },
     { &COpmSetupConfig::mreference1625, "Reference1625", "0" },
 };
+const size_t kSetupKeyCount = sizeof kSetupKeys / sizeof kSetupKeys[0];
 
 // Files whose last write failed and has been reported, so that a setup that cannot be kept
 // is traced once and not on every change.
@@ -54,7 +55,7 @@ QSet<QString>& unwritableFiles()
 QString settingText(const QVariant& value, const char* defaultValue)
 {
     if (value.type() == QVariant::StringList)
-        return value.toStringList().join(QStringLiteral(", "));
+        return value.toStringList().join(QString::fromLatin1(", "));
     if (!value.isValid() || !value.canConvert<QString>())
         return QString::fromLatin1(defaultValue);
     return value.toString();
@@ -93,7 +94,8 @@ void COpmSetupConfig::COpmSetupConfigLoad()
 {
     QSettings settings(DevicePaths::settingFile(), QSettings::IniFormat);
     settings.beginGroup(QLatin1String(kGroup));
-    for (const SetupKey& key : kSetupKeys) {
+    for (size_t i = 0; i < kSetupKeyCount; ++i) {
+        const SetupKey& key = kSetupKeys[i];
         const QVariant value = settings.value(QLatin1String(key.key), QLatin1String(key.defaultValue));
         this->*key.field = settingText(value, key.defaultValue);
     }
@@ -109,8 +111,8 @@ void COpmSetupConfig::COpmSetupConfigSave()
     const QString file = DevicePaths::settingFile();
     QSettings settings(file, QSettings::IniFormat);
     settings.beginGroup(QLatin1String(kGroup));
-    for (const SetupKey& key : kSetupKeys)
-        settings.setValue(QLatin1String(key.key), this->*key.field);
+    for (size_t i = 0; i < kSetupKeyCount; ++i)
+        settings.setValue(QLatin1String(kSetupKeys[i].key), this->*kSetupKeys[i].field);
     settings.endGroup();
     settings.sync();
     // A format error only says that the old contents were garbled; they are replaced anyway.

@@ -26,10 +26,10 @@ char* IpcGetAddr(key_t key_word)
         perror("shmget");
         exit(-1);
     }
-    char* addr = static_cast<char*>(shmat(shmid, nullptr, 0));
+    char* addr = static_cast<char*>(shmat(shmid, 0, 0));
     if (addr == reinterpret_cast<char*>(-1)) {
         perror("shmat");
-        if (shmctl(shmid, IPC_RMID, nullptr) == -1)
+        if (shmctl(shmid, IPC_RMID, 0) == -1)
             perror("shmctl");
     }
     return addr;
@@ -37,5 +37,5 @@ char* IpcGetAddr(key_t key_word)
 
 bool isShareMemAttached(const void* addr)
 {
-    return addr != nullptr && addr != reinterpret_cast<const void*>(-1);
+    return addr != 0 && addr != reinterpret_cast<const void*>(-1);
 }

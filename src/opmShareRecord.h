@@ -2,8 +2,12 @@
 #define OPMSHARERECORD_H
 
 #include <cstddef>
-#include <cstdint>
+#include <stdint.h>
 #include <sys/types.h>
+
+// A condition the compiler checks; C++98 has no static_assert. name says what is wrong.
+#define OPM_STATIC_ASSERT(condition, name) \
+    typedef char opm_assert_##name[(condition) ? 1 : -1] __attribute__((unused))
 
 // The record that the power reader and the page share, at the start of a 1024-byte System V
 // segment. Its layout is that of the reader's 32-bit x86 build; both sides must agree on it
@@ -20,20 +24,20 @@ struct OpmShareRecord
     int32_t needSave;
 };
 
-static_assert(offsetof(OpmShareRecord, wavelenth) == 0, "wavelenth at 0");
-static_assert(offsetof(OpmShareRecord, unit) == 8, "unit at 8");
-static_assert(offsetof(OpmShareRecord, value) == 16, "value at 16");
-static_assert(offsetof(OpmShareRecord, flag) == 32, "flag at 32");
-static_assert(offsetof(OpmShareRecord, pid) == 36, "pid at 36");
-static_assert(offsetof(OpmShareRecord, deviceType) == 40, "deviceType at 40");
-static_assert(offsetof(OpmShareRecord, wavelenthTarget) == 56, "wavelenthTarget at 56");
-static_assert(offsetof(OpmShareRecord, needSave) == 60, "needSave at 60");
-static_assert(sizeof(OpmShareRecord) == 64, "the shared record is 64 bytes");
-static_assert(sizeof(pid_t) == sizeof(int32_t), "pid_t travels as a 32-bit integer");
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, wavelenth) == 0, wavelenth_at_0);
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, unit) == 8, unit_at_8);
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, value) == 16, value_at_16);
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, flag) == 32, flag_at_32);
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, pid) == 36, pid_at_36);
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, deviceType) == 40, deviceType_at_40);
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, wavelenthTarget) == 56, wavelenthTarget_at_56);
+OPM_STATIC_ASSERT(offsetof(OpmShareRecord, needSave) == 60, needSave_at_60);
+OPM_STATIC_ASSERT(sizeof(OpmShareRecord) == 64, the_shared_record_is_64_bytes);
+OPM_STATIC_ASSERT(sizeof(pid_t) == sizeof(int32_t), pid_t_travels_as_a_32_bit_integer);
 
 enum OpmReadingFlag { OpmFlagNoReading = 0, OpmFlagReading = 1, OpmFlagNotConnected = 2 };
 
-constexpr size_t kOpmShareSegmentSize = 1024;
+const size_t kOpmShareSegmentSize = 1024;
 
 // ftok(".", 1): the key follows the working directory, which the reader inherits from the page.
 key_t Getkey();

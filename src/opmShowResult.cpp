@@ -68,12 +68,9 @@ void COpmShowResultPage::showEvent(QShowEvent*)
     std::list<Result> results;
     m_opmData->getAllResultItem(results);
     int i = 0;
-    for (const Result& result : results) {
-        if (i == kLineCount)
-            break;
-        m_pSummary[i]->setText(resultLine(i, result));
-        ++i;
-    }
+    for (std::list<Result>::const_iterator it = results.begin();
+         it != results.end() && i < kLineCount; ++it, ++i)
+        m_pSummary[i]->setText(resultLine(i, *it));
 }
 
 void COpmShowResultPage::hideEvent(QHideEvent*)
@@ -90,6 +87,6 @@ void COpmShowResultPage::onClearBtnClick()
 
 void COpmShowResultPage::clearLines()
 {
-    for (CLabel* line : m_pSummary)
-        line->setText(QString());
+    for (int i = 0; i < kLineCount; ++i)
+        m_pSummary[i]->setText(QString());
 }

@@ -14,19 +14,19 @@ class COpmShowResultPage : public CWidget
 {
     Q_OBJECT
 public:
-    static constexpr int kLineCount = 12;
+    enum { kLineCount = 12 };
     // A line is built in a buffer of this size, so it holds at most kLineSize - 1 characters.
-    static constexpr int kLineSize = 100;
+    enum { kLineSize = 100 };
 
-    explicit COpmShowResultPage(QWidget* parent = nullptr);
-    ~COpmShowResultPage() override;
+    explicit COpmShowResultPage(QWidget* parent = 0);
+    ~COpmShowResultPage();
 
     // The line of the result at position index (0 for the oldest).
     static QString resultLine(int index, const Result& result);
 
 protected:
-    void showEvent(QShowEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
+    void showEvent(QShowEvent* event);
+    void hideEvent(QHideEvent* event);
 
 private slots:
     void onClearBtnClick();

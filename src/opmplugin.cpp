@@ -5,7 +5,7 @@
 
 #include <QPointer>
 
-NerioOpmPlugin::NerioOpmPlugin() : QObject(nullptr), m_pOpticalPowerMeter(nullptr), m_pUtilWnd(nullptr)
+NerioOpmPlugin::NerioOpmPlugin() : QObject(0), m_pOpticalPowerMeter(0), m_pUtilWnd(0)
 {
     bIsStarted = false;
 }

@@ -15,21 +15,21 @@ class NerioOpmPlugin : public QObject, public UtilInterface
     Q_INTERFACES(UtilInterface)
 public:
     NerioOpmPlugin();
-    ~NerioOpmPlugin() override;
+    ~NerioOpmPlugin();
 
-    QString getPluginID() const override;
-    QString getPluginName() const override;
-    QString getPluginVersion() const override;
-    QString getPluginBuilder() const override;
-    bool bkgRun(QWidget* parent) override;
-    bool start(QWidget* parent) override;
-    bool stop() override;
-    void terminate() override;
-    void show() override;
-    void hide() override;
-    void update() override;
-    QObject* getObject() override;
-    void setCallerID(int callerId) override;
+    QString getPluginID() const;
+    QString getPluginName() const;
+    QString getPluginVersion() const;
+    QString getPluginBuilder() const;
+    bool bkgRun(QWidget* parent);
+    bool start(QWidget* parent);
+    bool stop();
+    void terminate();
+    void show();
+    void hide();
+    void update();
+    QObject* getObject();
+    void setCallerID(int callerId);
 
 private:
     friend struct OpmPageProbe;

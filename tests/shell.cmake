@@ -13,7 +13,7 @@ opm_add_test(tst_platform shell/tst_platform.cpp)
 # brings a root of its own.
 add_executable(tst_devicepaths shell/tst_devicepaths.cpp ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp)
 target_include_directories(tst_devicepaths PRIVATE ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(tst_devicepaths PRIVATE opmroot_product Qt5::Core Qt5::Test)
+target_link_libraries(tst_devicepaths PRIVATE opmroot_product OpmQt::Core OpmQt::Test)
 target_compile_definitions(tst_devicepaths PRIVATE
     OPM_PRODUCT_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     OPM_PRODUCT_PROGRAM_FILE="$<TARGET_FILE:opm>"

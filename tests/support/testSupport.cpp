@@ -1,6 +1,7 @@
 #include "testSupport.h"
 
 #include "devicePaths.h"
+#include "qtCompat.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -37,7 +38,7 @@ std::unique_ptr<QTemporaryDir> folderWithOwnSegment()
 {
     std::vector<std::unique_ptr<QTemporaryDir>> taken;
     for (int attempt = 0; attempt < 64; ++attempt) {
-        auto dir = std::make_unique<QTemporaryDir>();
+        std::unique_ptr<QTemporaryDir> dir(new QTemporaryDir);
         if (!dir->isValid())
             return dir;
         const key_t key = ftok(QFile::encodeName(dir->path()).constData(), 1);
@@ -237,4 +238,24 @@ bool answerKeyPad(QWidget* box, const QString& entry)
         return false;
     edit->setText(entry);
     return pressKeyPad(box, QStringLiteral("OK"));
+}
+
+TestCompat::TempDir::TempDir()
+{
+#if QT_VERSION >= 0x050000
+    if (m_dir.isValid())
+        m_path = m_dir.path();
+#else
+    QByteArray name = QFile::encodeName(QDir::tempPath() + QLatin1String("/opmtest-XXXXXX"));
+    if (mkdtemp(name.data()))
+        m_path = QFile::decodeName(name);
+#endif
+}
+
+TestCompat::TempDir::~TempDir()
+{
+#if QT_VERSION < 0x050000
+    if (isValid())
+        removeRecursively(m_path);
+#endif
 }
