@@ -17,7 +17,7 @@ namespace FuzzSupport {
 
 void start()
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    if (qgetenv("QT_QPA_PLATFORM").isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // Qt keeps argc by reference and may strip options: give it its own, never libFuzzer's.
     static int argc = 1;
@@ -42,10 +42,14 @@ void paint(QWidget* widget)
     widget->render(&image);
 }
 
-void requireTextsEnded(NerioOpm* page)
+void requireSanePage(NerioOpm* page)
 {
     if (!OpmPageProbe::textsEnded(page))
         qFatal("a text field of the page runs past its width");
+    static QRegExp known("-?(nan|inf|\\d+\\.\\d+) (dBm|dB|mW|uW|dB/km|dB/mi)|OPM Not Connected!|---\\.--|");
+    const QString label = OpmPageProbe::state(page).value("label");
+    if (!known.exactMatch(label))
+        qFatal("the reading label shows '%s'", qPrintable(label));
 }
 
 void take(const uint8_t* data, size_t dataSize, size_t offset, void* out, size_t size)

@@ -61,9 +61,9 @@ QString stepsFor(const PageState& s)
 {
     static const char* const units[] = { "dBm", "mW", "uW", "dBm" };
     QStringList steps;
-    steps << QStringLiteral("choose mode %1").arg(int(s.loss))
-          << QStringLiteral("click %1").arg(units[s.unit])
-          << QStringLiteral("choose lossUnit %1").arg(s.lossUnit == 3 ? 0 : s.lossUnit)
+    steps << QString("choose mode %1").arg(int(s.loss))
+          << QString("click %1").arg(units[s.unit])
+          << QString("choose lossUnit %1").arg(s.lossUnit == 3 ? 0 : s.lossUnit)
           << "type min " + number(s.min) << "type max " + number(s.max);
     if (g_limits->isChecked())
         steps << "click limits";
@@ -71,7 +71,7 @@ QString stepsFor(const PageState& s)
     if (!s.limits)
         steps << "click limits";
     const bool lengthFits = s.length > 0.0f && s.length <= 99999.0f;
-    steps << "enter length " + (lengthFits ? number(s.length) : QStringLiteral("1"));
+    steps << "enter length " + (lengthFits ? number(s.length) : QString("1"));
     steps << (s.hold ? "click hold; tick; click hold" : "tick");
     return steps.join(';');
 }
@@ -112,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FuzzSupport::take(data, size, kStateSize, &record, sizeof record);
     std::memcpy(g_reader->record(), &record, sizeof record);
     OpmPageProbe::act(g_page, *g_reader, stepsFor(state));
-    FuzzSupport::requireTextsEnded(g_page);
+    FuzzSupport::requireSanePage(g_page);
     FuzzSupport::paint(g_bar);
     return 0;
 }

@@ -771,7 +771,7 @@ void NerioOpm::onParmLineEditChanged()
     m_config.COpmSetupConfigSave();
 }
 
-int NerioOpm::setPowerLimits(CLineEdit* pParmLineEdit)
+void NerioOpm::setPowerLimits(CLineEdit* pParmLineEdit)
 {
     bool bShowErrWnd = false;
     const float value = textToFloat(pParmLineEdit->text());
@@ -793,7 +793,6 @@ int NerioOpm::setPowerLimits(CLineEdit* pParmLineEdit)
     }
     if (bShowErrWnd)
         showInputError(QObject::tr("Minimum must be less or equal to Maximum! Please input again."));
-    return 0;
 }
 
 void NerioOpm::onStateChanged() { setEditSate(); }
@@ -832,12 +831,6 @@ void NerioOpm::setEditSate()
 }
 
 void NerioOpm::setEnable(CLineEdit* pWidget, bool flag) { pWidget->setEnabled(flag); }
-
-void NerioOpm::setEnable(CPushButton* pWidget, bool flag)
-{
-    pWidget->setEnabled(flag);
-    pWidget->setStyle(flag ? CPushButton::StyleGreen : CPushButton::StyleGray, false);
-}
 
 void NerioOpm::onBtnChanged()
 {

@@ -102,10 +102,9 @@ private:
     void updateResultSummary();
     void deleteSpace(char* ptr);
     void saveResult();
-    int setPowerLimits(CLineEdit* pParmLineEdit);
+    void setPowerLimits(CLineEdit* pParmLineEdit);
     void setEditSate();
     void setEnable(CLineEdit* pWidget, bool flag);
-    void setEnable(CPushButton* pWidget, bool flag);
 
     // Helpers of the operations above.
     bool isShareMemReady() const;

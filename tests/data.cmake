@@ -1,7 +1,6 @@
-# The data the measurement page stands on: the reader's record, bounded texts, the setup file,
-# the result store and the gauge.
-opm_add_test(tst_sharerecord data/tst_sharerecord.cpp)
+# The data the measurement page stands on: bounded texts, the reading's text, the result store
+# and the gauge.
 opm_add_test(tst_fixedtext data/tst_fixedtext.cpp)
-opm_add_test(tst_setupconfig data/tst_setupconfig.cpp)
+opm_add_test(tst_readingtext data/tst_readingtext.cpp)
 opm_add_test(tst_resultstore data/tst_resultstore.cpp)
 opm_add_test(tst_offsetbar data/tst_offsetbar.cpp)

@@ -1,13 +1,9 @@
-# The plug-in shell: host contract, reader control, device paths and the platform stand-ins.
+# The plug-in shell: host contract, the reader's life and the device paths.
 
-opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp shell/shellTestSupport.h)
+opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp)
 target_link_libraries(tst_opmplugin PRIVATE pluginverify)
 target_compile_definitions(tst_opmplugin PRIVATE OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>")
 add_dependencies(tst_opmplugin opmplugin)
-
-opm_add_test(tst_readercontrol shell/tst_readercontrol.cpp shell/shellTestSupport.h)
-
-opm_add_test(tst_platform shell/tst_platform.cpp)
 
 # The product's own device root: this suite must not link the test support library, which
 # brings a root of its own.

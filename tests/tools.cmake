@@ -24,7 +24,5 @@ foreach(fake ${OPM_FAKE_PLUGINS})
 endforeach()
 
 opm_add_test(tst_lumenprobe tools/tst_lumenprobe.cpp)
-target_compile_definitions(tst_lumenprobe PRIVATE
-    LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
-    OPMRECORD_PATH="$<TARGET_FILE:opmrecord>")
-add_dependencies(tst_lumenprobe lumenProbe opmrecord)
+target_compile_definitions(tst_lumenprobe PRIVATE LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>")
+add_dependencies(tst_lumenprobe lumenProbe)

@@ -5,22 +5,6 @@
 #include <QtTest>
 
 #include <cstring>
-#include <functional>
-
-namespace {
-
-// What a copy leaves in a 16-byte field between guard bytes; "overrun" when it wrote outside.
-QString copiedInto16(const std::function<void(char*)>& copy)
-{
-    char bytes[32];
-    std::memset(bytes, '#', sizeof bytes);
-    copy(bytes + 8);
-    if (QByteArray(bytes, 8) + QByteArray(bytes + 24, 8) != QByteArray(16, '#'))
-        return QStringLiteral("overrun");
-    return QString::fromLatin1(bytes + 8, int(qstrnlen(bytes + 8, 16)));
-}
-
-} // namespace
 
 class TestFixedText : public QObject
 {
@@ -32,7 +16,7 @@ private slots:
 
 // Every row goes through the plain copy, the copy of a 16-byte field of another record (the
 // source with garbage behind its NUL, or its first 16 bytes and no NUL) and the copy of a
-// measurement.
+// measurement, each into a 16-byte field between guard bytes.
 void TestFixedText::copy_data()
 {
     QTest::addColumn<QString>("source"); // a null text stands for a null pointer
@@ -41,14 +25,11 @@ void TestFixedText::copy_data()
     QTest::newRow("null") << QString() << "" << "";
     QTest::newRow("one too long") << "1234567890123456" << "123456789012345" << "123456789012345";
     QTest::newRow("exact fit") << "-1.500000 dB/km" << "-1.500000 dB/km" << "-1.500000 dB/km";
-    QTest::newRow("one digit dropped") << "-12.500000 dB/km" << "-12.500000 dB/k"
-                                       << "-12.50000 dB/km";
+    QTest::newRow("one digit dropped") << "-12.500000 dB/km" << "-12.500000 dB/k" << "-12.50000 dB/km";
     QTest::newRow("every digit and the point dropped")
             << "-1234567.500000 dB/km" << "-1234567.500000" << "-1234567 dB/km";
-    QTest::newRow("still too long: cut") << "-12345678.500000 dB/km" << "-12345678.50000"
-                                         << "-12345678.50000";
-    QTest::newRow("point only in the unit: cut") << "12 dB.km/xxxxxxxxx" << "12 dB.km/xxxxxx"
-                                                 << "12 dB.km/xxxxxx";
+    QTest::newRow("still too long: cut") << "-12345678.500000 dB/km" << "-12345678.50000" << "-12345678.50000";
+    QTest::newRow("point only in the unit: cut") << "12 dB.km/xxxxxxxxx" << "12 dB.km/xxxxxx" << "12 dB.km/xxxxxx";
 }
 
 void TestFixedText::copy()
@@ -57,14 +38,23 @@ void TestFixedText::copy()
     QFETCH(QString, copied);
     QFETCH(QString, measured);
     const QByteArray bytes = source.toLatin1();
-    const char* src = source.isNull() ? nullptr : bytes.constData();
+    const char* src = source.isNull() ? 0 : bytes.constData();
     char field[16];
     std::memset(field, 'X', sizeof field);
     std::memcpy(field, bytes.constData(), std::min(sizeof field, size_t(bytes.size()) + 1));
 
-    QCOMPARE(copiedInto16([src](char* f) { FixedText::copy(f, 16, src); }), copied);
-    QCOMPARE(copiedInto16([&field](char* f) { FixedText::copyField(f, 16, field, 16); }), copied);
-    QCOMPARE(copiedInto16([src](char* f) { FixedText::copyMeasurement(f, 16, src); }), measured);
+    for (int way = 0; way < 3; ++way) {
+        char guarded[32];
+        std::memset(guarded, '#', sizeof guarded);
+        if (way == 0)
+            FixedText::copy(guarded + 8, 16, src);
+        else if (way == 1)
+            FixedText::copyField(guarded + 8, 16, field, 16);
+        else
+            FixedText::copyMeasurement(guarded + 8, 16, src);
+        QCOMPARE(QByteArray(guarded, 8) + QByteArray(guarded + 24, 8), QByteArray(16, '#'));
+        QCOMPARE(QString::fromLatin1(guarded + 8, int(strnlen(guarded + 8, 16))), way == 2 ? measured : copied);
+    }
 }
 
 QTEST_APPLESS_MAIN(TestFixedText)

@@ -1,7 +1,8 @@
 // The product's device paths: linked with the product's own root, as the plug-in and the
-// stand-alone program are, and checked in the built product files themselves.
+// stand-alone program are, and looked for in the built product files themselves.
 #include "devicePaths.h"
 
+#include <QFile>
 #include <QtTest>
 
 class TestDevicePaths : public QObject
@@ -9,22 +10,16 @@ class TestDevicePaths : public QObject
     Q_OBJECT
 
 private slots:
-    void pathsAndCommands();
+    void killsTheReaderByName();
     void builtFiles_data();
     void builtFiles();
 };
 
-void TestDevicePaths::pathsAndCommands()
+// The set has one reader, at its fixed path; under a test's or the demo's root the reader is
+// killed by its path instead, so that they never kill each other's.
+void TestDevicePaths::killsTheReaderByName()
 {
     QCOMPARE(deviceRoot(), "");
-    QCOMPARE(DevicePaths::settingDir(), QStringLiteral("/home/Setting"));
-    QCOMPARE(DevicePaths::settingFile(), QStringLiteral("/home/Setting/opmSetup.conf"));
-    QCOMPARE(DevicePaths::resultDir(), QStringLiteral("/home/brova/brova-rslt/opm"));
-    QCOMPARE(DevicePaths::readerProgram(), QStringLiteral("/usr/local/brova/bin/lumenProbe"));
-    QCOMPARE(DevicePaths::vendorInfoFile(), QStringLiteral("/usr/local/brova/lib/vendor-info.txt"));
-    QCOMPARE(DevicePaths::makeSettingDirCommand(), QByteArray("mkdir /home/Setting"));
-    QCOMPARE(DevicePaths::makeResultDirCommand(), QByteArray("mkdir -p /home/brova/brova-rslt/opm"));
-    QCOMPARE(DevicePaths::startReaderCommand(), QByteArray("/usr/local/brova/bin/lumenProbe &"));
     QCOMPARE(DevicePaths::killReaderCommand(), QByteArray("killall -9 lumenProbe"));
 }
 
@@ -32,12 +27,13 @@ void TestDevicePaths::builtFiles_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<bool>("product");
-    QTest::newRow("plug-in") << QStringLiteral(OPM_PRODUCT_PLUGIN_FILE) << true;
-    QTest::newRow("stand-alone program") << QStringLiteral(OPM_PRODUCT_PROGRAM_FILE) << true;
+    QTest::newRow("plug-in") << OPM_PRODUCT_PLUGIN_FILE << true;
+    QTest::newRow("stand-alone program") << OPM_PRODUCT_PROGRAM_FILE << true;
     // The demo build must show its root, or the scan below could not see one.
-    QTest::newRow("demo plug-in") << QStringLiteral(OPM_DEMO_PLUGIN_FILE) << false;
+    QTest::newRow("demo plug-in") << OPM_DEMO_PLUGIN_FILE << false;
 }
 
+// The product's files hold the set's paths and no other root; nothing of the tests is linked in.
 void TestDevicePaths::builtFiles()
 {
     QFETCH(QString, file);
@@ -45,14 +41,13 @@ void TestDevicePaths::builtFiles()
     QFile f(file);
     QVERIFY2(f.open(QIODevice::ReadOnly), qPrintable(file + ": " + f.errorString()));
     const QByteArray image = f.readAll();
-
-    for (const char* path : { "/home/Setting", "/home/Setting/opmSetup.conf",
-             "/home/brova/brova-rslt/opm", "/usr/local/brova/bin/lumenProbe",
-             "/usr/local/brova/lib/vendor-info.txt", "lumenProbe" })
-        QVERIFY2(image.contains(QByteArray(path) + '\0'), path);
+    const char* const paths[] = { "/home/Setting", "/home/Setting/opmSetup.conf", "/home/brova/brova-rslt/opm",
+                                  "/usr/local/brova/bin/lumenProbe", "/usr/local/brova/lib/vendor-info.txt" };
+    for (size_t i = 0; i < sizeof paths / sizeof paths[0]; ++i)
+        QVERIFY2(image.contains(QByteArray(paths[i]) + '\0'), paths[i]);
     QCOMPARE(image.contains(OPM_DEMO_ROOT_PATH), !product);
     QVERIFY(!image.contains(OPM_READER_STAND_IN_FILE));
 }
 
-QTEST_GUILESS_MAIN(TestDevicePaths)
+QTEST_APPLESS_MAIN(TestDevicePaths)
 #include "tst_devicepaths.moc"

@@ -1,58 +1,75 @@
 // The host's side of the plug-in: its life cycle as the shell drives it, the export, the
-// identity and the verification text, also as the built plug-in file holds them.
+// identity and the verification text, also as the built plug-in file holds them; and the power
+// reader's life, which the main page owns: one reader while the plug-in runs, none after it
+// stopped or the page went. The reader is a stand-in in the test's own root; the commands reach
+// only the readers of that root, whatever its name.
 #include "ctabwidget.h"
 #include "cutilwindow.h"
+#include "devicePaths.h"
 #include "elfSection.h"
 #include "opmMain.h"
 #include "opmShowResult.h"
 #include "opmplugin.h"
-#include "shellTestSupport.h"
+#include "testSupport.h"
+#include "verificationText.h"
 
+#include <QLibrary>
+#include <QPointer>
+#include <QProcess>
 #include <QtTest>
 
 #include <memory>
-
-static const QByteArray kVerificationText("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.8.4\n"
-                                          "debug=true\nbuildkey=i386 linux g++-4 full-config");
 
 class TestOpmPlugin : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void cleanup();
 
     void nothingHappensBeforeStart();
-    void twoStartsMakeOneWindowAndPage();
-    void terminateThenStartShowsOldWindow();
+    void startStopTerminate();
     void instanceIsSingleWithIdentity();
-    void verificationTextInFunctionAndBuiltFile();
+    void verificationText();
+    void standAlonePageOwnsItsReader();
 
 private:
     UtilInterface* plugin();
 
     std::unique_ptr<TestDeviceRoot> m_root;
+    std::unique_ptr<ModalBoxCloser> m_boxes;
     std::unique_ptr<QWidget> m_parents[2]; // frames of the host's, shown
     QPointer<QObject> m_instance;
 };
+
+void TestOpmPlugin::initTestCase()
+{
+    // The temporary roots are named after the application: blanks, quotes and shell
+    // characters in their names must not trouble the commands.
+    QCoreApplication::setApplicationName("opm root'$HOME`x`;&");
+}
 
 void TestOpmPlugin::init()
 {
     m_root.reset(new TestDeviceRoot);
     QVERIFY(m_root->isValid());
-    QVERIFY(m_root->installReaderStandIn());
-    for (auto& parent : m_parents) {
-        parent.reset(new QWidget);
-        parent->show();
+    QVERIFY(m_root->installReader());
+    m_boxes.reset(new ModalBoxCloser);
+    for (int i = 0; i < 2; ++i) {
+        m_parents[i].reset(new QWidget);
+        m_parents[i]->show();
     }
 }
 
 void TestOpmPlugin::cleanup()
 {
     delete m_instance.data();
-    for (auto& parent : m_parents)
-        parent.reset();
+    QCOMPARE(m_boxes->count(), 0);
+    for (int i = 0; i < 2; ++i)
+        m_parents[i].reset();
+    m_boxes.reset();
     m_root.reset();
 }
 
@@ -67,7 +84,6 @@ void TestOpmPlugin::nothingHappensBeforeStart()
     UtilInterface* host = plugin();
     QVERIFY(host);
     QWidget* parent = m_parents[0].get();
-    QVERIFY(!host->getObject());
 
     StdoutCapture capture;
     const bool background = host->bkgRun(parent);
@@ -81,27 +97,20 @@ void TestOpmPlugin::nothingHappensBeforeStart()
     QVERIFY(background);
     QVERIFY(!stopped);
     QVERIFY2(trace.isEmpty(), trace.constData());
-    QVERIFY(!host->bIsStarted);
-    QVERIFY(!host->getObject());
+    QVERIFY(!host->bIsStarted && !host->getObject());
     QVERIFY(parent->findChildren<QWidget*>().isEmpty());
     QCOMPARE(m_root->readerStarts(), 0);
 }
 
-void TestOpmPlugin::twoStartsMakeOneWindowAndPage()
+// Two starts make one window with one page (its tabs in the set's page size) and leave one
+// reader; stop leaves none, start one again; after terminate a start shows the old window.
+void TestOpmPlugin::startStopTerminate()
 {
     UtilInterface* host = plugin();
     QWidget* parent = m_parents[0].get();
-
-    StdoutCapture capture;
-    const bool first = host->start(parent);
-    const bool second = host->start(parent);
-    const QByteArray trace = capture.take();
-
-    QVERIFY(first);
-    QVERIFY(second);
+    QVERIFY(host->start(parent));
+    QVERIFY(host->start(parent));
     QVERIFY(host->bIsStarted);
-    QCOMPARE(trace.split('\n').count("COpmMainPage::COpmMainPage "), 1);
-    QCOMPARE(trace.split('\n').count("COpmMainPage::enterInit "), 2);
     const QList<CUtilWindow*> windows = parent->findChildren<CUtilWindow*>();
     const QList<COpmMainPage*> pages = parent->findChildren<COpmMainPage*>();
     QCOMPARE(windows.size(), 1);
@@ -109,52 +118,41 @@ void TestOpmPlugin::twoStartsMakeOneWindowAndPage()
     QCOMPARE(host->getObject(), static_cast<QObject*>(windows.first()));
     QCOMPARE(windows.first()->centralWidget(), static_cast<QWidget*>(pages.first()));
     QVERIFY(windows.first()->isVisible());
-    auto* tabs = pages.first()->findChild<CTabWidget*>();
-    QVERIFY(tabs && qobject_cast<NerioOpm*>(tabs->widget(0))
-        && qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
-    QCOMPARE(tabs->tabText(0) + '|' + tabs->tabText(1) + '|' + tabs->tabText(2),
-        QStringLiteral("Setup|Result|"));
+    CTabWidget* tabs = pages.first()->findChild<CTabWidget*>();
+    QVERIFY(tabs && qobject_cast<NerioOpm*>(tabs->widget(0)) && qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
+    QCOMPARE(tabs->tabText(0) + '|' + tabs->tabText(1) + '|' + tabs->tabText(2), QString("Setup|Result|"));
     QCOMPARE(tabs->size(), QSize(658, 398));
-    QVERIFY(readersSettleAt(*m_root, 1));
-}
+    QVERIFY(m_root->readersSettleAt(1));
 
-void TestOpmPlugin::terminateThenStartShowsOldWindow()
-{
-    UtilInterface* host = plugin();
-    QWidget* firstParent = m_parents[0].get();
-    QWidget* otherParent = m_parents[1].get();
-    QVERIFY(host->start(firstParent));
-    QPointer<QWidget> window = qobject_cast<QWidget*>(host->getObject());
-    QVERIFY(window);
+    QVERIFY(host->stop());
+    QVERIFY(!windows.first()->isVisible());
+    QVERIFY(m_root->readersSettleAt(0));
+    QVERIFY(host->start(parent));
+    QVERIFY(m_root->readersSettleAt(1));
 
     host->terminate();
     QVERIFY(!host->bIsStarted);
-    QVERIFY(!window->isVisible());
-
-    QVERIFY(host->start(otherParent));
-    QVERIFY(host->bIsStarted);
-    QCOMPARE(host->getObject(), static_cast<QObject*>(window.data()));
-    QCOMPARE(window->parentWidget(), firstParent);
-    QVERIFY(window->isVisible());
-    QVERIFY(otherParent->findChildren<QWidget*>().isEmpty());
-    QCOMPARE(firstParent->findChildren<COpmMainPage*>().size(), 1);
-    QVERIFY(readersSettleAt(*m_root, 1));
+    QVERIFY(!windows.first()->isVisible());
+    QVERIFY(host->start(m_parents[1].get()));
+    QCOMPARE(host->getObject(), static_cast<QObject*>(windows.first()));
+    QCOMPARE(windows.first()->parentWidget(), parent);
+    QVERIFY(windows.first()->isVisible());
+    QVERIFY(m_parents[1]->findChildren<QWidget*>().isEmpty());
+    QVERIFY(m_root->readersSettleAt(1));
 }
 
+// The one place the identity is compared, exactly.
 void TestOpmPlugin::instanceIsSingleWithIdentity()
 {
     QObject* first = qt_plugin_instance();
-    QVERIFY(first);
     QCOMPARE(qt_plugin_instance(), first);
     // The host casts the root object by the interface id.
     UtilInterface* expected = qobject_cast<NerioOpmPlugin*>(first);
     QVERIFY(expected);
-    QCOMPARE(first->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0"),
-        static_cast<void*>(expected));
-    QCOMPARE(expected->getPluginID(), QStringLiteral("com.corvaneinc.CommonUtil.NerioOpmPlugin"));
-    QCOMPARE(expected->getPluginName(), QStringLiteral("OpticalPowerMeter"));
-    QCOMPARE(expected->getPluginVersion(), QStringLiteral("1.0"));
-    QCOMPARE(expected->getPluginBuilder(), QStringLiteral("CORVANE"));
+    QCOMPARE(first->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0"), static_cast<void*>(expected));
+    QCOMPARE(expected->getPluginID() + '|' + expected->getPluginName() + '|' + expected->getPluginVersion() + '|'
+                     + expected->getPluginBuilder(),
+             QString("com.corvaneinc.CommonUtil.NerioOpmPlugin|OpticalPowerMeter|1.0|CORVANE"));
 
     // Once the object is gone the export makes a new one instead of handing out the old.
     delete first;
@@ -163,25 +161,56 @@ void TestOpmPlugin::instanceIsSingleWithIdentity()
     QCOMPARE(qt_plugin_instance(), m_instance.data());
 }
 
-void TestOpmPlugin::verificationTextInFunctionAndBuiltFile()
+// The text the shell accepts, the same through the function and in the section of the built
+// file, where the shell's loader reads it: the text and its NUL, nothing else.
+void TestOpmPlugin::verificationText()
 {
-    QCOMPARE(QByteArray(qt_plugin_query_verification_data()), kVerificationText);
-
-    // The section as the shell's loader reads it: the text and its NUL, nothing else.
-    std::vector<char> section;
+    const QByteArray text(qt_plugin_query_verification_data());
     std::string error;
-    QVERIFY2(PluginVerify::readElfSection(OPM_PLUGIN_FILE, ".qtplugin", &section, &error),
-        error.c_str());
-    QCOMPARE(QByteArray(section.data(), int(section.size())), kVerificationText + '\0');
+    QVERIFY2(PluginVerify::checkVerificationText(text.constData(), &error), error.c_str());
 
-    // What the built file exports, as the host calls it.
-    QLibrary module(QStringLiteral(OPM_PLUGIN_FILE));
-    const auto query
-        = reinterpret_cast<const char* (*)()>(module.resolve("qt_plugin_query_verification_data"));
+    std::vector<char> section;
+    QVERIFY2(PluginVerify::readElfSection(OPM_PLUGIN_FILE, ".qtplugin", &section, &error), error.c_str());
+    QCOMPARE(QByteArray(section.data(), int(section.size())), text + '\0');
+
+    QLibrary module(OPM_PLUGIN_FILE);
+    typedef const char* (*Query)();
+    const Query query = reinterpret_cast<Query>(module.resolve("qt_plugin_query_verification_data"));
     QVERIFY2(query, qPrintable(module.errorString()));
-    QVERIFY(reinterpret_cast<void*>(query)
-        != reinterpret_cast<void*>(&qt_plugin_query_verification_data));
-    QCOMPARE(QByteArray(query()), kVerificationText);
+    QVERIFY(reinterpret_cast<void*>(query) != reinterpret_cast<void*>(&qt_plugin_query_verification_data));
+    QCOMPARE(QByteArray(query()), text);
+}
+
+// What the stand-alone program does (no enterInit): the page starts a reader, exitClean kills it
+// (a second one finds nothing), and the page kills its reader when it goes; a reader of another
+// root is left alone.
+void TestOpmPlugin::standAlonePageOwnsItsReader()
+{
+    TestCompat::TempDir other;
+    const QString otherReader = other.path() + "/usr/local/brova/bin/lumenProbe";
+    QVERIFY(QDir().mkpath(QFileInfo(otherReader).path()));
+    QVERIFY(QFile::copy(DevicePaths::readerProgram(), otherReader));
+    QProcess foreign;
+    foreign.start(otherReader, QStringList());
+    QVERIFY(foreign.waitForStarted(20000));
+
+    std::unique_ptr<COpmMainPage> page(new COpmMainPage(0));
+    page->show();
+    QVERIFY(m_root->readersSettleAt(1));
+    page->exitClean();
+    QVERIFY(m_root->readersSettleAt(0));
+    StdoutCapture capture;
+    page->exitClean();
+    QCOMPARE(capture.take(), QByteArray("COpmMainPage::exitClean \n"));
+    page->enterInit();
+    QVERIFY(m_root->readersSettleAt(1));
+    page.reset();
+    QVERIFY(m_root->readersSettleAt(0));
+    QCOMPARE(m_root->readerStarts(), 2);
+    // Had a kill reached the other reader it would be gone by now; spared, this only waits.
+    QVERIFY(!foreign.waitForFinished(500));
+    foreign.kill();
+    foreign.waitForFinished(20000);
 }
 
 QTEST_MAIN(TestOpmPlugin)

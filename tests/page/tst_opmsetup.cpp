@@ -1,0 +1,348 @@
+// The Setup tab's setup: the page as built and restored from the settings file, the operator's
+// controls and entries, the reference dialog, and a page without a record.
+#include "opmPageProbe.h"
+
+#include <QPointer>
+
+#include <cerrno>
+#include <dlfcn.h>
+#include <sys/shm.h>
+
+using P = OpmPageProbe;
+
+namespace {
+
+bool g_failAttach = false;
+
+// Loss Meter with a reference of its own at every wavelength but 1310 nm.
+const char kReferences[] = "TestMode=LossMeter; Reference850=-1; Reference1310=0; Reference1490=-3;"
+                           "Reference1550=-4; Reference1625=-5";
+
+} // namespace
+
+// Lets a test make the page's attachment fail as the system would.
+extern "C" void* shmat(int shmid, const void* shmaddr, int shmflg) __THROW
+{
+    if (g_failAttach) {
+        errno = ENOMEM;
+        return reinterpret_cast<void*>(-1);
+    }
+    typedef void* (*Attach)(int, const void*, int);
+    static const Attach real = reinterpret_cast<Attach>(dlsym(RTLD_NEXT, "shmat"));
+    return real(shmid, shmaddr, shmflg);
+}
+
+class TestOpmSetup : public QObject
+{
+    Q_OBJECT
+private slots:
+    void restore_data();
+    void restore();
+    void garbage();
+    void roundTrip();
+    void scenario_data();
+    void scenario();
+    void edit_data();
+    void edit();
+    void dialog_data();
+    void dialog();
+    void shown();
+    void withoutRecord();
+};
+
+void TestOpmSetup::restore_data()
+{
+    QTest::addColumn<QString>("settings"); // none: no file
+    QTest::addColumn<QString>("state");    // where it differs from the defaults
+
+    const QString on = "limits=111; enabled=1111; ";
+    QTest::newRow("no file") << "" << "";
+    QTest::newRow("loss meter, km, limits on") << "TestMode=LossMeter; LossUnit=km; PowerLimit=enable; LossLength=2.5"
+            << on + "mode=1/1; layout=loss; caption=Loss Limits; lossUnit=1/1 white; length=2.5/2.5";
+    QTest::newRow("1550 with its reference") << "Wavelength=1550; Reference1550=-7.5"
+            << "wave=3/0; target=3; refs=0 0 0 -7.5 0; refLabel=Ref.: -7.5 dBm";
+    QTest::newRow("wavelength 980") << "Wavelength=980; Reference850=-1" << "target=4; refs=-1 0 0 0 0";
+    QTest::newRow("mW") << "UNIT=mW" << "unit=1; limitsUnit=mW; caption=Power Limits (mW)";
+    // Not a loss unit the page knows: no step, so the caption keeps the white it was built with.
+    QTest::newRow("LossUnit dB") << "LossUnit=dB" << "lossUnit=0/0 white";
+    QTest::newRow("crossed limits") << "PowerLimit=enable; PowerLimitMinimum=5; PowerLimitMaximum=-5"
+            << on + "enabled=1110; min=5/5; max=-5/-5; bar=" + barFor(5, -5, 0);
+    // Cut to its field on the page; the file keeps it until a Set rewrites it.
+    QTest::newRow("reference of 40 characters") << "Reference850=-12.3456789012345678901234567890123456789"
+            << "refs=-12.34567890123 0 0 0 0; refLabel=Ref.: -12.34567890123 dBm";
+    QTest::newRow("reference of 10 kB") << "Reference850=" + QString(10240, '7')
+            << "refs=777777777777777 0 0 0 0; refLabel=Ref.: 777777777777777 dBm";
+    // Keys differ in case: not the page's, kept in the file as they are.
+    QTest::newRow("keys in other case") << "wavelength=1550; Unit=mW" << "file=15";
+    QTest::newRow("unquoted commas, one text") << "UNIT=a, b; Reference850=1,2,3"
+            << "refs=1, 2, 3 0 0 0 0; refLabel=Ref.: 1, 2, 3 dBm; file:Reference850=1, 2, 3";
+    const char* const lengths[] = { "abc", "0", "100000" };
+    for (int i = 0; i < 3; ++i)
+        QTest::newRow(qPrintable(QString("length ") + lengths[i]))
+                << "LossUnit=mi; PowerLimit=enable; LossLength=" + QString(lengths[i])
+                << on + "lossUnit=2/2 white; length=1/1";
+}
+
+// Every start leaves a complete file: what was stored, the defaults for what was not, the check
+// box's state written back.
+void TestOpmSetup::restore()
+{
+    QFETCH(QString, settings);
+    QFETCH(QString, state);
+
+    StdoutCapture trace;
+    PageFixture fx(facts(settings), false);
+    // What the reader was last told, so that a step that writes nothing shows.
+    fx.reader.record()->wavelenthTarget = 4;
+    fx.buildPage();
+    QVERIFY(!trace.take().contains("cannot"));
+
+    const Keys defaults = facts("wave=0/0; target=0; refs=0 0 0 0 0; refLabel=Ref.: 0 dBm; mode=0/0; layout=power;"
+                                "unit=0; limitsUnit=dB; caption=Power Limits (dBm); lossUnit=0/0 grey; limits=000;"
+                                "enabled=0000; min=-60/-60; max=10/10; length=1/; file=13; bar=" + barFor(-60, 10, 0));
+    const Keys file = with(setupDefaults(), facts(settings));
+    Keys expected = defaults;
+    for (Keys::const_iterator it = file.constBegin(); it != file.constEnd(); ++it)
+        expected.insert("file:" + it.key(), it.value());
+    fx.verify(with(expected, facts(state)));
+}
+
+// Garbage in every key still opens a working page: defined readings in both modes and every
+// loss unit, a usable length, and operator changes saved.
+void TestOpmSetup::garbage()
+{
+    PageFixture fx(facts("Wavelength=1310nm; TestMode=lossmeter; UNIT=dBm; PowerLimit=enable; PowerLimitMinimum=nan;"
+                         "PowerLimitMaximum=inf; LossUnit=KM; LossLength=1e40; Reference850=abc; Reference1310=--;"
+                         "Reference1490=1e999; Reference1550=a, b; Reference1625=@ByteArray(\\0\\x1)"));
+    const QRegExp defined("-?(nan|inf|[0-9]+\\.[0-9]+) (dBm|dB|dB/km|dB/mi)");
+    for (int step = 0; step < 6; ++step) {
+        fx.act(QString("choose mode %1; choose lossUnit %2; show 1490 -3").arg(step / 3).arg(step % 3));
+        QVERIFY2(defined.exactMatch(fx.state().value("label")), qPrintable(fx.state().value("label")));
+        QVERIFY(fx.page->findChild<OffsetBar*>()->markerX() <= 245);
+    }
+    fx.act("choose wave 4");
+    fx.verify(facts("length=1/1; target=4; file=13; file:Wavelength=1625"));
+}
+
+// Every setting changed through the controls comes back on a new page on the same folder.
+void TestOpmSetup::roundTrip()
+{
+    PageFixture fx;
+    fx.act("click uW; choose mode 1; click limits; enter min -30; enter max -5; choose lossUnit 2;"
+           "enter length 3.5; choose wave 2; show 1490 -11; click reference; click set; show 1490 -18");
+    Keys before = fx.state();
+    // Only a start takes the saved unit from the stored one; in Loss Meter mode no tick sets it.
+    before["limitsUnit"] = "uW";
+
+    fx.reader.record()->wavelenthTarget = 0;
+    fx.buildPage();
+    // Once the reader has reported its wavelength it measures as before: (-11 - -18) / 3.5 mi.
+    fx.act("tick; tick");
+    QCOMPARE(fx.state().value("label"), QString("2.000000 dB/mi"));
+    fx.verify(before);
+}
+
+void TestOpmSetup::scenario_data()
+{
+    addScenarioColumns();
+    // dB empties and disables the length field but keeps the length; dB/km shows it again.
+    const QString lossKm = "TestMode=LossMeter; LossUnit=km; PowerLimit=enable; LossLength=2.5";
+    QTest::newRow("loss unit dB") << lossKm << "choose lossUnit 0"
+            << "lossUnit=0/0 grey; enabled=1110; length=2.5/; file:LossUnit=db";
+    QTest::newRow("loss unit dB/km again") << lossKm << "choose lossUnit 0; choose lossUnit 1"
+            << "lossUnit=1/1 white; enabled=1111; length=2.5/2.5; file:LossUnit=km";
+    // The mode sets layout and caption whatever the unit; the reader is never told of it.
+    QTest::newRow("mW") << "Wavelength=1625" << "click mW" << "unit=1; caption=Power Limits (mW); file:UNIT=mW";
+    QTest::newRow("Loss Meter") << "Wavelength=1625" << "click mW; choose mode 1"
+            << "mode=1/1; layout=loss; caption=Loss Limits; target=4; file:TestMode=LossMeter";
+    QTest::newRow("Power Meter again") << "Wavelength=1625" << "click mW; choose mode 1; choose mode 0"
+            << "mode=0/0; layout=power; caption=Power Limits (dBm); unit=1; target=4; file:UNIT=mW";
+    // The reader is told the choice at once; the reference label follows in Loss Meter mode only.
+    const QString refs = "Reference850=-1; Reference1310=-3; Reference1550=-7.5";
+    QTest::newRow("wavelength, Power Meter") << refs << "choose wave 3"
+            << "target=3; refLabel=Ref.: -1 dBm; wave=3/0; file:Wavelength=1550";
+    QTest::newRow("wavelength, Loss Meter") << refs << "choose mode 1; choose wave 1"
+            << "target=1; refLabel=Ref.: -3 dBm; wave=1/0; file:Wavelength=1310";
+    // Unchecked limits disable their fields, keep their texts and span the bar over -60..10.
+    QTest::newRow("limits off") << lossKm + "; PowerLimitMinimum=-20; PowerLimitMaximum=-10" << "click limits"
+            << "limits=000; enabled=0000; min=-20/-20; max=-10/-10; length=2.5/2.5; file:PowerLimit=disable;"
+               "bar=" + barFor(-60, 10, 0);
+    QTest::newRow("hold twice writes nothing") << "" << "click hold; click hold" << "";
+    const QString every = "Wavelength=1310; TestMode=PowerMeter; UNIT=mW; PowerLimit=enable; PowerLimitMinimum=-40;"
+                          "PowerLimitMaximum=-2; LossUnit=mi; LossLength=3.5; Reference850=-1; Reference1310=-2;"
+                          "Reference1490=-3; Reference1550=-4; Reference1625=-5";
+    // Every key expected in the file: "file:" before each.
+    // Every key expected in the file: "file:" before each.
+    QTest::newRow("one change rewrites every key") << every << "click uW"
+            << QString(every + "; UNIT=uW").replace(QRegExp("(^|; *)(\\w)"), "\\1file:\\2");
+
+    // Set stores the reading captured at the press for the wavelength reported at Set; however
+    // the dialog goes without Set, nothing is stored and the capture follows the reading again.
+    QTest::newRow("set") << kReferences << "show 1310 -12.34; click reference; click set"
+            << "refs=-1 -12.34 -3 -4 -5; refLabel=Ref.: -12.34 dBm; capture=-12.34/0; dialog=none;"
+               "file:Reference1310=-12.34; file:Reference850=-1";
+    QTest::newRow("no light at the press") << kReferences << "show 1310 -7; show 1310 ---.--; click reference; click set"
+            << "refs=-1 -7 -3 -4 -5; refLabel=Ref.: -7 dBm; file:Reference1310=-7";
+    QTest::newRow("no reading yet") << kReferences << "click reference; click set"
+            << "refs=0 0 -3 -4 -5; refLabel=Ref.: 0 dBm; file:Reference850=0";
+    QTest::newRow("wavelength changes while open") << kReferences
+            << "show 1310 -12.34; click reference; show 1550 -20; click set"
+            << "refs=-1 0 -3 -12.34 -5; refLabel=Ref.: -12.34 dBm; file:Reference1550=-12.34; file:Reference1310=0";
+    const char* const ways[] = { "click cancel", "escape", "close" };
+    for (int i = 0; i < 3; ++i)
+        QTest::newRow(ways[i]) << kReferences << QString("show 1550 -12.34; click reference; %1; show 1550 -9").arg(ways[i])
+                               << "refs=-1 0 -3 -4 -5; refLabel=Ref.: -1 dBm; capture=-9/0; dialog=none";
+}
+
+void TestOpmSetup::scenario()
+{
+    runScenario();
+}
+
+// An entry into a field of a Loss Meter page in dB/km, limits on, length 7: the limits and the
+// length held, shown and stored after it; a rejected entry is corrected before its box shows.
+void TestOpmSetup::edit_data()
+{
+    QTest::addColumn<QString>("limits"); // minimum and maximum before the entry
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("after"); // minimum, maximum and length
+
+    QTest::newRow("max above range") << "-60 10" << "max 12" << "10" << "-60 10 7";
+    QTest::newRow("min below range") << "-60 10" << "min -61" << "-60" << "-60 10 7";
+    QTest::newRow("min above max") << "-60 -10" << "min -5" << "-60" << "-60 -10 7";
+    QTest::newRow("max below min") << "-20 -10" << "max -30" << "-10" << "-20 -10 7";
+    QTest::newRow("min equal to max") << "-60 -10" << "min -10" << "-10" << "-10 -10 7";
+    QTest::newRow("max at top") << "-60 0" << "max 10" << "10" << "-60 10 7";
+    QTest::newRow("min with decimals") << "-60 10" << "min -12.50" << "-12.50" << "-12.5 10 7";
+    QTest::newRow("min nan") << "-60 10" << "min nan" << "-60" << "-60 10 7";
+    QTest::newRow("length zero") << "-60 10" << "length 0" << "1" << "-60 10 1";
+    QTest::newRow("length above range") << "-60 10" << "length 100000" << "1" << "-60 10 1";
+    QTest::newRow("length nan") << "-60 10" << "length nan" << "1" << "-60 10 1";
+    QTest::newRow("length at top") << "-60 10" << "length 99999" << "99999" << "-60 10 99999";
+    QTest::newRow("length trailing zero") << "-60 10" << "length 2.50" << "2.50" << "-60 10 2.5";
+}
+
+void TestOpmSetup::edit()
+{
+    QFETCH(QString, limits);
+    QFETCH(QString, entry);
+    QFETCH(QString, shown);
+    QFETCH(QString, after);
+
+    const QStringList before = limits.split(' '), held = after.split(' '), field = entry.split(' ');
+    PageFixture fx(facts("TestMode=LossMeter; LossUnit=km; PowerLimit=enable; LossLength=7; PowerLimitMinimum="
+                         + before[0] + "; PowerLimitMaximum=" + before[1]));
+    Keys atBox;
+    fx.closer.handler = [&](QWidget*) {
+        atBox = fx.state();
+        return false;
+    };
+    fx.act("enter " + entry);
+
+    const Keys state = fx.state();
+    QCOMPARE(state.value(field[0]).section('/', 1), shown);
+    QCOMPARE(state.value("min").section('/', 0, 0) + ' ' + state.value("max").section('/', 0, 0) + ' '
+                     + state.value("length").section('/', 0, 0), after);
+    QCOMPARE(state.value("file:PowerLimitMinimum") + ' ' + state.value("file:PowerLimitMaximum") + ' '
+                     + state.value("file:LossLength"), after);
+    QCOMPARE(state.value("bar"), barFor(held[0].toFloat(), held[1].toFloat(), 0));
+    const bool rejected = shown != field[1];
+    QCOMPARE(fx.closer.count(), rejected ? 1 : 0);
+    if (rejected) {
+        QCOMPARE(state.value("box"), QString(field[0] == "length"
+                ? "Error: The length must be greater than zero! Please input again."
+                : "Error: Minimum must be less or equal to Maximum! Please input again."));
+        QCOMPARE(atBox.value(field[0]), state.value(field[0]));
+    }
+}
+
+void TestOpmSetup::dialog_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<QString>("lines");
+
+    QTest::newRow("live reading, Set") << "show 1310 -12.34" << "click set"
+            << "Current Optical Level:-12.34 dBm at 1310 nm\n"
+               "Or press Cancel instead if you prefer to keep the previously stored value of 0 dBm";
+    QTest::newRow("no light, Cancel") << "show 1550 -7; show 1550 ---.--" << "click cancel"
+            << "Current Optical Level:---.-- dBm at 1550 nm";
+    QTest::newRow("Escape") << "" << "escape" << "";
+    QTest::newRow("closed") << "" << "close" << "";
+    QTest::newRow("page goes") << "" << "" << "";
+}
+
+// The dialog's two lines; it is modal, and it is disposed of however it is closed, also with
+// its page.
+void TestOpmSetup::dialog()
+{
+    QFETCH(QString, steps);
+    QFETCH(QString, end);
+    QFETCH(QString, lines);
+
+    PageFixture fx(facts(kReferences));
+    fx.act(steps + "; click reference");
+    QPointer<CDialog> dialog = P::m_pReferenceDialog(fx.page);
+    QVERIFY(dialog && dialog->isVisible());
+    QCOMPARE(dialog->windowModality(), Qt::ApplicationModal);
+    QStringList texts;
+    const QList<QLabel*> labels = dialog->findChildren<QLabel*>();
+    for (int i = 0; i < labels.size(); ++i)
+        texts << labels[i]->text();
+    QVERIFY2(texts.join("\n").contains(lines), qPrintable(texts.join("\n")));
+    if (end.isEmpty())
+        fx.buildPage(false);
+    else
+        fx.act(end);
+    QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
+    QVERIFY(!dialog);
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
+// As built: the Power Meter layout, the bar at its place and no polling. Shown, the page polls
+// once a second. In either mode the bar keeps its place over the laid-out page, and
+// retranslating keeps the mode, captions the limits by mode and unit and saves nothing.
+void TestOpmSetup::shown()
+{
+    PageFixture fx;
+    NerioOpm* page = fx.page;
+    fx.verify(facts("label=; layout=power; timer=off; barPlace=205,200 255x40"));
+    page->resize(658, 368);
+    page->show();
+    QVERIFY(TestCompat::waitForShown(page));
+    fx.reader.setReading("1310", "dBm", "-5");
+    QMetaObject::invokeMethod(P::m_pTimer(page), "timeout");
+    fx.verify(facts("timer=1000; label=-5.000 dBm"));
+
+    fx.act("click mW");
+    for (int mode = 1; mode >= 0; --mode) {
+        fx.act(QString("choose mode %1").arg(mode));
+        QCoreApplication::processEvents();
+        QVERIFY(QFile::remove(DevicePaths::settingFile()));
+        page->translate();
+        fx.verify(facts(QString("mode=%1/%1; barPlace=205,200 255x40").arg(mode)
+                        + (mode ? "; layout=loss; modeText=Loss Meter; caption=Loss Limits"
+                                : "; layout=power; modeText=Power Meter(OPM); caption=Power Limits (mW)")));
+        QVERIFY(!QFile::exists(DevicePaths::settingFile()));
+    }
+    page->hide();
+    fx.verify(facts("timer=off"));
+}
+
+// A failed attachment leaves the page working without the record: it never reads or writes
+// through the failed address, which would fault.
+void TestOpmSetup::withoutRecord()
+{
+    PageFixture fx(Keys(), false);
+    g_failAttach = true;
+    fx.buildPage();
+    g_failAttach = false;
+    fx.page->show();
+    fx.act("tick; click save; choose wave 3; choose mode 1; click reference; click set");
+    fx.verify(facts("timer=off; label=OPM Not Connected!; colour=red; stored=0; boxes=0; file:Wavelength=1550;"
+                    "file:TestMode=LossMeter"));
+}
+
+QTEST_MAIN(TestOpmSetup)
+#include "tst_opmsetup.moc"
