@@ -1,12 +1,12 @@
 // The process-wide store of saved readings: stamping, the limit of twelve, copying out and
-// clearing. The store outlives every test, so each one starts with it empty.
+// clearing.
 #include "fixedText.h"
 #include "opmMain.h"
 
 #include <QDateTime>
+#include <QStringList>
 #include <QtTest>
 
-#include <ctime>
 #include <list>
 
 namespace {
@@ -22,16 +22,8 @@ Result reading(int n)
     return r;
 }
 
-void add(int first, int last)
-{
-    for (int n = first; n <= last; ++n) {
-        Result r = reading(n);
-        store()->addResultItem(r);
-    }
-}
-
-// The reading numbers of a list after the store's records are appended to it, oldest first.
-QString withStored(std::list<Result> list = std::list<Result>())
+// The values of a list after the store's records are appended to it.
+QString withStored(std::list<Result> list)
 {
     store()->getAllResultItem(list);
     QStringList numbers;
@@ -48,40 +40,34 @@ class TestResultStore : public QObject
 {
     Q_OBJECT
 private slots:
-    void init() { store()->clearAllresultItem(); }
-    void addStampsBothCopies();
-    void twelveAtMost();
+    void store();
 };
 
-// The add stamps the caller's record and the stored copy with the local time, to the second;
-// the newest record of an empty store is zero-filled.
-void TestResultStore::addStampsBothCopies()
+// An add stamps the caller's record and the stored copy with the local time, to the second. The
+// thirteenth reading drops the oldest; the copies are appended to what a list holds, oldest
+// first. The newest record of an empty store is zero-filled.
+void TestResultStore::store()
 {
-    QCOMPARE(bytesOf(store()->getLastResultItem()), QByteArray(sizeof(Result), '\0'));
+    ::store()->clearAllresultItem();
+    QCOMPARE(bytesOf(::store()->getLastResultItem()), QByteArray(sizeof(Result), '\0'));
     Result first = reading(1);
     const QDateTime before = QDateTime::currentDateTime();
-    store()->addResultItem(first);
+    ::store()->addResultItem(first);
     const QDateTime after = QDateTime::currentDateTime();
-    QCOMPARE(bytesOf(store()->getLastResultItem()), bytesOf(first));
-    const QString stamp = QString::fromLatin1(first.time);
+    QCOMPARE(bytesOf(::store()->getLastResultItem()), bytesOf(first));
     const QString format("yyyy-MM-dd HH:mm:ss");
-    QVERIFY2(stamp == before.toString(format) || stamp == after.toString(format), qPrintable(stamp));
-    add(2, 2);
-    QCOMPARE(QString::fromLatin1(store()->getLastResultItem().value), QString("2"));
-    store()->clearAllresultItem();
-    QCOMPARE(store()->getResultItemCount(), 0);
-    QCOMPARE(bytesOf(store()->getLastResultItem()), QByteArray(sizeof(Result), '\0'));
-}
+    QVERIFY2(first.time == before.toString(format) || first.time == after.toString(format), first.time);
 
-// The thirteenth reading drops the oldest; the copies are appended to what the list holds.
-void TestResultStore::twelveAtMost()
-{
-    add(1, 12);
-    QCOMPARE(withStored(), QString("1 2 3 4 5 6 7 8 9 10 11 12"));
-    add(13, 13);
-    QCOMPARE(store()->getResultItemCount(), 12);
-    std::list<Result> list(1, reading(100));
-    QCOMPARE(withStored(list), QString("100 2 3 4 5 6 7 8 9 10 11 12 13"));
+    for (int n = 2; n <= 13; ++n) {
+        Result r = reading(n);
+        ::store()->addResultItem(r);
+    }
+    QCOMPARE(::store()->getResultItemCount(), 12);
+    QCOMPARE(QString::fromLatin1(::store()->getLastResultItem().value), QString("13"));
+    QCOMPARE(withStored(std::list<Result>(1, reading(100))), QString("100 2 3 4 5 6 7 8 9 10 11 12 13"));
+    ::store()->clearAllresultItem();
+    QCOMPARE(withStored(std::list<Result>()), QString());
+    QCOMPARE(bytesOf(::store()->getLastResultItem()), QByteArray(sizeof(Result), '\0'));
 }
 
 QTEST_APPLESS_MAIN(TestResultStore)

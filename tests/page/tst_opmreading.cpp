@@ -50,6 +50,8 @@ void TestOpmReading::scenario_data()
     QTest::newRow("below lower") << range << "show 1550 -20.01" << out;
     QTest::newRow("at decimal lower") << limits.arg("-20.3").arg("-10.1") << "show 1550 -20.3" << in;
     QTest::newRow("at decimal upper") << limits.arg("-20.3").arg("-10.1") << "show 1550 -10.1" << in;
+    QTest::newRow("not a number") << range << "show 1550 nan" << out + "; label=nan dBm";
+    QTest::newRow("beyond a float") << range << "show 1550 1e400" << out + "; label=inf dBm";
     QTest::newRow("off, inside") << range << "click limits; show 1550 -15"
             << "colour=black; pass=1; file:PowerLimit=disable; bar=" + barFor(-60, 10, -15);
     QTest::newRow("off, outside") << range << "click limits; show 1550 -5"

@@ -56,20 +56,9 @@ Keys setupDefaults()
 
 Keys storedSetup()
 {
-    Keys keys;
     QFile file(DevicePaths::settingFile());
-    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    bool inGroup = false;
-    const QList<QByteArray> lines = text.split('\n');
-    for (int i = 0; i < lines.size(); ++i) {
-        const QString line = QString::fromUtf8(lines[i]).trimmed();
-        const int eq = line.indexOf(QLatin1Char('='));
-        if (line.startsWith(QLatin1Char('[')))
-            inGroup = line == QLatin1String("[COpmSetup]");
-        else if (inGroup && eq > 0)
-            keys.insert(line.left(eq).trimmed(), line.mid(eq + 1).trimmed().remove(QLatin1Char('"')));
-    }
-    return keys;
+    const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return facts(text.section("[COpmSetup]\n", 1).section("\n[", 0, 0).replace('\n', ';').remove('"'));
 }
 
 QByteArray setupText(const Keys& keys)
@@ -275,8 +264,8 @@ bool answerKeyPad(QWidget* box, const QString& entry)
     QLineEdit* edit = box->findChild<QLineEdit*>();
     if (box->objectName() != QLatin1String("CKeyPad") || !ok || !cancel || !edit)
         return false;
-    if (entry != QLatin1String("%OK%") && !entry.isNull())
-        edit->setText(entry);
+    if (entry != QLatin1String("%OK%"))
+        edit->setText(entry.isNull() ? QString("typed, then cancelled") : entry);
     (entry.isNull() ? cancel : ok)->click();
     return true;
 }

@@ -114,8 +114,8 @@ private:
     std::FILE* m_file;
 };
 
-// The on-screen keypad: types entry and presses OK, or Cancel for a null entry; "%OK%" presses
-// OK on the proposed text. False when box is not the keypad.
+// The on-screen keypad: types entry and presses OK; "%OK%" presses OK on the proposed text, a
+// null entry types something and presses Cancel. False when box is not the keypad.
 bool answerKeyPad(QWidget* box, const QString& entry);
 
 #endif // TESTSUPPORT_H

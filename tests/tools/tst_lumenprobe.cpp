@@ -1,7 +1,7 @@
-// The simulated power reader's scenario files, played in a device root of the test's own (also
-// its working folder, which decides the shared record). Its live reading, its save key and its
-// end are the reader fault suite's (tst_readerfaults), a well-formed scenario the end-to-end
-// report suite's.
+// The simulated power reader in a device root of the test's own (also its working folder, which
+// decides the shared record): its start without a wavelength asked for, and scenario files no one
+// should write. Its live reading, its save key, following the page and its end are the reader
+// fault suite's (tst_readerfaults), a well-formed scenario the end-to-end report suite's.
 #include "opmShareRecord.h"
 #include "testSupport.h"
 
@@ -14,8 +14,27 @@ class TestLumenProbe : public QObject
 {
     Q_OBJECT
 private slots:
+    void startsAt850WithoutTarget();
     void survivesHostileScenario();
 };
+
+// Before the page has asked for a wavelength (the target not one of the five), the live reader
+// measures at 850 nm.
+void TestLumenProbe::startsAt850WithoutTarget()
+{
+    TestDeviceRoot root;
+    RecordWriter writer;
+    QVERIFY(writer.isAttached());
+    std::memset(writer.record(), 0, sizeof(OpmShareRecord));
+    writer.record()->wavelenthTarget = 42;
+    QProcess probe;
+    probe.setWorkingDirectory(root.path());
+    probe.start(LUMENPROBE_PATH, QStringList());
+    OPM_TRY_COMPARE(writer.record()->flag, int32_t(OpmFlagReading), 20000);
+    QCOMPARE(QByteArray(writer.record()->wavelenth), QByteArray("850"));
+    probe.kill();
+    probe.waitForFinished(20000);
+}
 
 // A file with every kind of bad line: binary bytes, a line of 5000 characters, an unknown field,
 // a NUL in a text, control characters, an unclosed quote, a time out of range, texts longer than
