@@ -5,6 +5,7 @@
 #include "cwidgetstyle.h"
 #include "devicePaths.h"
 #include "fixedText.h"
+#include "htmlText.h"
 #include "opmShowResult.h"
 #include "plate2promserv.h"
 
@@ -225,7 +226,8 @@ public:
     const char* text() const { return m_text; }
 
 private:
-    char m_text[1024];
+    // Room for a result whose every field is escaped at its full width, so escaping never cuts.
+    char m_text[2048];
     size_t m_used;
 };
 
@@ -240,39 +242,43 @@ int tableVariant(const Result& r)
 
 void addCells(ResultTable& t, int variant, const Result& r)
 {
-    t.add(kFirstCell, r.time);
-    t.add(kPlainCell, r.waveLenth);
-    t.add(kPlainCell, r.testMode);
+    t.add(kFirstCell, htmlEscaped(r.time).constData());
+    t.add(kPlainCell, htmlEscaped(r.waveLenth).constData());
+    t.add(kPlainCell, htmlEscaped(r.testMode).constData());
     switch (variant) {
     case 1:
-        t.add(kNumberUnitCell, r.minimum, r.limitsUnit);
-        t.add(kNumberUnitCell, r.maximum, r.limitsUnit);
-        t.add(kPlainCell, r.value);
-        t.add(kLastCell, r.pass);
+        t.add(kNumberUnitCell, htmlEscaped(r.minimum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kNumberUnitCell, htmlEscaped(r.maximum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kPlainCell, htmlEscaped(r.value).constData());
+        t.add(kLastCell, htmlEscaped(r.pass).constData());
         break;
     case 2:
-        t.add(kLastCell, r.value);
+        t.add(kLastCell, htmlEscaped(r.value).constData());
         break;
     case 3:
     case 4:
-        t.add(kPlainCell, r.ref);
+        t.add(kPlainCell, htmlEscaped(r.ref).constData());
         if (variant == 3)
-            t.add(kPlainCell, r.fiberLength);
-        t.add(kNumberUnitNoWrapCell, r.minimum, r.limitsUnit);
-        t.add(kNumberUnitCell, r.maximum, r.limitsUnit);
-        t.add(kPlainNoWrapCell, r.value);
-        t.add(kLastCell, r.pass);
+            t.add(kPlainCell, htmlEscaped(r.fiberLength).constData());
+        t.add(kNumberUnitNoWrapCell, htmlEscaped(r.minimum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kNumberUnitCell, htmlEscaped(r.maximum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kPlainNoWrapCell, htmlEscaped(r.value).constData());
+        t.add(kLastCell, htmlEscaped(r.pass).constData());
         break;
     default:
-        t.add(kPlainCell, r.ref);
-        t.add(kLastCell, r.value);
+        t.add(kPlainCell, htmlEscaped(r.ref).constData());
+        t.add(kLastCell, htmlEscaped(r.value).constData());
         break;
     }
 }
 
 void writeRow(FILE* out, int fontSize, const QString& label, const char* value)
 {
-    fprintf(out, kRowFormat, fontSize, label.toUtf8().constData(), value);
+    fprintf(out, kRowFormat, fontSize, label.toUtf8().constData(), htmlEscaped(value).constData());
 }
 
 // line: the source line of the EEPROM read that failed

@@ -9,3 +9,8 @@ target_compile_definitions(tst_reportendtoend PRIVATE
     LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
     REPORT_TABLES_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/results/reportTables.py")
 add_dependencies(tst_reportendtoend lumenProbe)
+
+# Markup characters in every text from outside the program, read back by html5lib.
+opm_add_test(tst_reporthostile results/tst_reporthostile.cpp ${OPM_PAGE_PROBE})
+target_compile_definitions(tst_reporthostile PRIVATE
+    REPORT_TABLES_SCRIPT="${CMAKE_CURRENT_SOURCE_DIR}/results/reportTables.py")
