@@ -98,9 +98,9 @@ void TestSetupConfig::storedFile_data()
     QTest::newRow("10 kB value kept")
             << "[COpmSetup]\nLossLength=" + QByteArray(10240, '9') + '\n'
             << Section { { "LossLength", QString(10240, '9') } };
-    QTest::newRow("unquoted commas read as one text")
+    QTest::newRow("unquoted commas kept as written")
             << QByteArray("[COpmSetup]\nUNIT=a, b\nReference850=1,2,3\n")
-            << Section { { "UNIT", "a, b" }, { "Reference850", "1, 2, 3" } };
+            << Section { { "UNIT", "a, b" }, { "Reference850", "1,2,3" } };
 }
 
 // Loading fills what is missing, keeps what is stored and writes every key straight back.
