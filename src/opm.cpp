@@ -921,6 +921,12 @@ void NerioOpm::onBtnChanged()
 
 void NerioOpm::startReference()
 {
+    // A second press while the dialog is open: the open one stays, Set and Cancel answer it.
+    if (m_pReferenceDialog) {
+        m_pReferenceDialog->raise();
+        m_pReferenceDialog->activateWindow();
+        return;
+    }
     CrtReferenceDialog();
     char tmp[256];
     std::memset(tmp, 0, sizeof tmp);

@@ -10,3 +10,6 @@ add_dependencies(tst_readerfaults lumenProbe)
 opm_add_test(tst_recordfaults faults/tst_recordfaults.cpp ${OPM_FAULTS_PROBE})
 
 opm_add_test(tst_filefaults faults/tst_filefaults.cpp ${OPM_FAULTS_PROBE})
+
+# The page's boxes: never a second reference dialog over the first.
+opm_add_test(tst_boxlifetime faults/tst_boxlifetime.cpp ${OPM_FAULTS_PROBE})
