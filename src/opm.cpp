@@ -14,6 +14,7 @@
 #include "opmMain.h"
 
 #include <QBoxLayout>
+#include <QPointer>
 #include <QTimer>
 
 #include <cfloat>
@@ -693,13 +694,15 @@ void NerioOpm::saveResult()
     const int flag = isShareMemReady() ? m_addr->flag : int(OpmFlagNotConnected);
     printf("saveResul tm_addr->flag(%d) \n", flag);
     if (m_opmData->getResultItemCount() > CBrovaOpmDataEngine::kMaxResults - 1) {
-        CMessageBox box(0);
-        box.setTextColor(Qt::blue);
-        box.setTextAlignment(Qt::AlignCenter);
-        box.setFixedSize(500, 300);
-        box.setTitleBackgroundColor(Qt::green);
-        box.setButtonText(QMessageBox::Ok, QObject::tr("OK"));
-        box.information(this, "Warning", "Exceeds max allowed results!", QMessageBox::Ok);
+        // On the heap: the host may destroy the page, and the box with it, inside the box's loop.
+        QPointer<CMessageBox> box = new CMessageBox(0);
+        box->setTextColor(Qt::blue);
+        box->setTextAlignment(Qt::AlignCenter);
+        box->setFixedSize(500, 300);
+        box->setTitleBackgroundColor(Qt::green);
+        box->setButtonText(QMessageBox::Ok, QObject::tr("OK"));
+        box->information(this, "Warning", "Exceeds max allowed results!", QMessageBox::Ok);
+        delete box.data();
         return;
     }
     if (flag == OpmFlagReading)
@@ -806,6 +809,8 @@ void NerioOpm::onComboxChanged(int index)
 void NerioOpm::onParmLineEditChanged()
 {
     CLineEdit* edit = qobject_cast<CLineEdit*>(sender());
+    // An error box runs its own loop, in which the host may destroy the page.
+    QPointer<NerioOpm> alive = this;
     if (edit && edit == m_pLossLength) {
         bool l_eLengthInvalid = false;
         m_fLength = textToFloat(m_pLossLength->text());
@@ -819,9 +824,13 @@ void NerioOpm::onParmLineEditChanged()
             showInputError(QObject::tr("The length must be greater than zero! Please input again."));
     } else if (edit && (edit == m_pMinimum || edit == m_pMaximum)) {
         setPowerLimits(edit);
+        if (!alive)
+            return;
         m_pOffsetBarResult->setRangedOffset(double(m_fPowerMin), double(m_fPowerMax),
                                             atof(Opm.value));
     }
+    if (!alive)
+        return;
     m_config.mlossLength = formatG6(m_fLength);
     m_config.mPowerLimitMin = formatG6(m_fPowerMin);
     m_config.mPowerLimitMax = formatG6(m_fPowerMax);

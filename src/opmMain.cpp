@@ -13,6 +13,7 @@
 #include <QDebug>
 #include <QKeyEvent>
 #include <QLocale>
+#include <QPointer>
 
 #include <unistd.h>
 
@@ -321,7 +322,12 @@ void COpmMainPage::saveOpmResult()
 
     const QString proposed
         = QDateTime::currentDateTime().toString(QString::fromLatin1("yyyyMMdd-hhmmss"));
+    // The keypad runs its own loop, in which the host may destroy the page: then nothing is left
+    // to export from.
+    QPointer<COpmMainPage> alive = this;
     const QString name = getKeyboard(tr("Save Opm Result"), proposed);
+    if (!alive)
+        return;
     const QByteArray path = (dir + QLatin1Char('/') + name + QLatin1String(".html")).toLocal8Bit();
 
     FILE* html = fopen(path.constData(), "w+");

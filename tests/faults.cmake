@@ -11,5 +11,6 @@ opm_add_test(tst_recordfaults faults/tst_recordfaults.cpp ${OPM_FAULTS_PROBE})
 
 opm_add_test(tst_filefaults faults/tst_filefaults.cpp ${OPM_FAULTS_PROBE})
 
-# The page's boxes: never a second reference dialog over the first.
+# The page's boxes: the host destroying the page, its window or the plug-in while one is open;
+# never a second reference dialog over the first.
 opm_add_test(tst_boxlifetime faults/tst_boxlifetime.cpp ${OPM_FAULTS_PROBE})
