@@ -20,7 +20,7 @@ private slots:
 
 void TestSetupTexts::keptAsWritten_data()
 {
-    QTest::addColumn<QByteArray>("line");  // the value of Reference850 in the file
+    QTest::addColumn<QByteArray>("line"); // the value of Reference850 in the file
     QTest::addColumn<QString>("text");
     QTest::newRow("commas") << QByteArray("1,5") << "1,5";
     QTest::newRow("commas and blanks") << QByteArray("1, 5") << "1, 5";
@@ -43,7 +43,7 @@ void TestSetupTexts::keptAsWritten()
     TestDeviceRoot root;
     const QString file = DevicePaths::settingFile();
     QVERIFY(root.writeFile("/home/Setting/opmSetup.conf",
-                           "[COpmSetup]\nReference850=" + line + "\nReference1310=-2\n"));
+        "[COpmSetup]\nReference850=" + line + "\nReference1310=-2\n"));
     QByteArray firstSave;
     {
         COpmSetupConfig config;

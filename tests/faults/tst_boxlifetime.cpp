@@ -19,7 +19,7 @@ private slots:
 
 void TestBoxLifetime::hostEndsPageDuringBox_data()
 {
-    QTest::addColumn<QString>("steps");   // on the Setup tab, the last one opens the box; or F1
+    QTest::addColumn<QString>("steps"); // on the Setup tab, the last one opens the box; or F1
     QTest::addColumn<QString>("destroy"); // what the host destroys while the box is open
     const char* const boxes[][2] = {
         { "warning box", "tick; click save" },
@@ -31,7 +31,7 @@ void TestBoxLifetime::hostEndsPageDuringBox_data()
     for (size_t b = 0; b < sizeof boxes / sizeof boxes[0]; ++b) {
         for (size_t h = 0; h < sizeof hosts / sizeof hosts[0]; ++h)
             QTest::newRow(qPrintable(QString("%1, %2").arg(boxes[b][0], hosts[h])))
-                    << boxes[b][1] << hosts[h];
+                << boxes[b][1] << hosts[h];
     }
 }
 

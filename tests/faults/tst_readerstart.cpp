@@ -68,7 +68,7 @@ void TestReaderStart::startKillStartLeavesOneReader()
         // A start the shell has not carried out yet would show up within slowMs.
         QTest::qWait(slowMs + 10);
         QVERIFY2(readersAre(root, 1, 3000),
-                 qPrintable(QString("%1 readers after sequence %2").arg(root.runningReaders()).arg(i)));
+            qPrintable(QString("%1 readers after sequence %2").arg(root.runningReaders()).arg(i)));
     }
     QTest::qWait(3 * slowMs);
     QCOMPARE(root.runningReaders(), 1);

@@ -11,9 +11,9 @@ namespace {
 
 const char kVersion[] = "Common <i>2.4</i> & \"x\" </td></tr>";
 const char kSerial[] = "<b>SN</b>&\"</table>";
-const char kWave[] = "</td>&\"";          // the reader's wavelength: 7 characters
-const char kStoredRef[] = "<td>-3&x\"</tr>";  // Reference1310 in the settings file
-const char kReaderRef[] = "-1<i>&\"x";         // the reader's value, taken as a reference
+const char kWave[] = "</td>&\""; // the reader's wavelength: 7 characters
+const char kStoredRef[] = "<td>-3&x\"</tr>"; // Reference1310 in the settings file
+const char kReaderRef[] = "-1<i>&\"x"; // the reader's value, taken as a reference
 
 // The tables of an HTML file as html5lib builds them: rows of cells joined by '|'.
 QList<QStringList> parsedTables(const QString& file)
@@ -49,10 +49,10 @@ void TestReportHostile::tablesKeepTheirShape()
 {
     TestDeviceRoot root;
     QVERIFY(root.installReaderStandIn());
-    QVERIFY(root.writeFile("/etc/brova/e2prom.txt",
-                           QByteArray("mac=00:1a:2b:3c:4d:a8\nsn=") + kSerial + "\n"));
-    QVERIFY(root.writeFile("/usr/local/brova/lib/vendor-info.txt",
-                           QByteArray("Brova ") + kVersion + "\n"));
+    QVERIFY(root.writeFile(
+        "/etc/brova/e2prom.txt", QByteArray("mac=00:1a:2b:3c:4d:a8\nsn=") + kSerial + "\n"));
+    QVERIFY(root.writeFile(
+        "/usr/local/brova/lib/vendor-info.txt", QByteArray("Brova ") + kVersion + "\n"));
     {
         QSettings stored(DevicePaths::settingFile(), QSettings::IniFormat);
         stored.setValue("COpmSetup/Reference1310", QString::fromLatin1(kStoredRef));
@@ -77,12 +77,12 @@ void TestReportHostile::tablesKeepTheirShape()
     QCOMPARE(closer.count(), 1);
 
     const QList<QStringList> tables
-            = parsedTables(root.file("/home/brova/brova-rslt/opm/hostile.html"));
+        = parsedTables(root.file("/home/brova/brova-rslt/opm/hostile.html"));
     QCOMPARE(tables.size(), 4);
     QCOMPARE(tables[0].size(), 4);
     QCOMPARE(tables[0][1], QString("Software Version:|") + kVersion);
     QCOMPARE(tables[0][3], QString("Serial Number of Test Set:|") + kSerial);
-    const int columns[] = { 4, 5, 8 };  // limits off in both modes, then on in Loss Meter (dB)
+    const int columns[] = { 4, 5, 8 }; // limits off in both modes, then on in Loss Meter (dB)
     for (int i = 1; i < 4; ++i) {
         QCOMPARE(tables[i].size(), 2);
         QCOMPARE(tables[i][0].count('|') + 1, columns[i - 1]);

@@ -16,7 +16,7 @@ bool isReader(const char* path)
     static const char suffix[] = "/usr/local/brova/bin/lumenProbe";
     const size_t length = path ? std::strlen(path) : 0;
     return length >= sizeof suffix - 1
-            && std::strcmp(path + length - (sizeof suffix - 1), suffix) == 0;
+        && std::strcmp(path + length - (sizeof suffix - 1), suffix) == 0;
 }
 
 } // namespace
