@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QVBoxLayout>
 
 
@@ -113,12 +114,15 @@ private:
 bool CKeyPadFactory::runKeyPad(const QString& title, const QString& text, int type, int min,
                                int max, QWidget* parent, QString* entry)
 {
-    KeyPadDialog keypad(title, text, type, min, max, parent);
-    keypad.adjustSize();
-    CWidgetStyle::centerWidget(&keypad);
-    const bool accepted = keypad.exec() == QDialog::Accepted;
+    // On the heap: whoever owns parent may destroy it, and the keypad with it, inside the
+    // keypad's loop. That counts as a cancel.
+    QPointer<KeyPadDialog> keypad = new KeyPadDialog(title, text, type, min, max, parent);
+    keypad->adjustSize();
+    CWidgetStyle::centerWidget(keypad);
+    const bool accepted = keypad->exec() == QDialog::Accepted && keypad;
     if (entry)
-        *entry = accepted ? keypad.entry() : text;
+        *entry = accepted ? keypad->entry() : text;
+    delete keypad.data();
     return accepted;
 }
 

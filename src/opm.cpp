@@ -15,6 +15,7 @@
 #include "opmReading.h"
 
 #include <QBoxLayout>
+#include <QPointer>
 #include <QTimer>
 
 #include <stdint.h>
@@ -636,13 +637,15 @@ void NerioOpm::saveResult()
     const int flag = isShareMemReady() ? m_addr->flag : int(OpmFlagNotConnected);
     printf("saveResul tm_addr->flag(%d) \n", flag);
     if (m_opmData->getResultItemCount() > CBrovaOpmDataEngine::kMaxResults - 1) {
-        CMessageBox box(0);
-        box.setTextColor(Qt::blue);
-        box.setTextAlignment(Qt::AlignCenter);
-        box.setFixedSize(500, 300);
-        box.setTitleBackgroundColor(Qt::green);
-        box.setButtonText(QMessageBox::Ok, QObject::tr("OK"));
-        box.information(this, "Warning", "Exceeds max allowed results!", QMessageBox::Ok);
+        // On the heap: the host may destroy the page, and the box with it, inside the box's loop.
+        QPointer<CMessageBox> box = new CMessageBox(0);
+        box->setTextColor(Qt::blue);
+        box->setTextAlignment(Qt::AlignCenter);
+        box->setFixedSize(500, 300);
+        box->setTitleBackgroundColor(Qt::green);
+        box->setButtonText(QMessageBox::Ok, QObject::tr("OK"));
+        box->information(this, "Warning", "Exceeds max allowed results!", QMessageBox::Ok);
+        delete box.data();
         return;
     }
     if (flag == OpmFlagReading)
@@ -749,6 +752,8 @@ void NerioOpm::onComboxChanged(int index)
 void NerioOpm::onParmLineEditChanged()
 {
     CLineEdit* edit = qobject_cast<CLineEdit*>(sender());
+    // An error box runs its own loop, in which the host may destroy the page.
+    QPointer<NerioOpm> alive = this;
     if (edit && edit == m_pLossLength) {
         bool l_eLengthInvalid = false;
         m_fLength = textToFloat(m_pLossLength->text());
@@ -762,9 +767,13 @@ void NerioOpm::onParmLineEditChanged()
             showInputError(QObject::tr("The length must be greater than zero! Please input again."));
     } else if (edit && (edit == m_pMinimum || edit == m_pMaximum)) {
         setPowerLimits(edit);
+        if (!alive)
+            return;
         m_pOffsetBarResult->setRangedOffset(double(m_fPowerMin), double(m_fPowerMax),
                                             atof(Opm.value));
     }
+    if (!alive)
+        return;
     m_config.mlossLength = formatG6(m_fLength);
     m_config.mPowerLimitMin = formatG6(m_fPowerMin);
     m_config.mPowerLimitMax = formatG6(m_fPowerMax);
@@ -857,6 +866,12 @@ void NerioOpm::onBtnChanged()
 
 void NerioOpm::startReference()
 {
+    // A second press while the dialog is open: the open one stays, Set and Cancel answer it.
+    if (m_pReferenceDialog) {
+        m_pReferenceDialog->raise();
+        m_pReferenceDialog->activateWindow();
+        return;
+    }
     CrtReferenceDialog();
     char tmp[256];
     std::memset(tmp, 0, sizeof tmp);

@@ -82,6 +82,21 @@ void CBrovaOpmDataEngine::getAllResultItem(std::list<Result>& p_resultCache)
 // ---------------------------------------------------------------------------------------------
 // Main page
 
+namespace {
+
+// How long a start waits for its reader: ample for a loaded set, short enough to go unnoticed.
+const int kReaderStartMs = 500;
+
+// Starts the reader and waits until it runs, so that a kill right after the start cannot miss
+// it and leave two readers writing the one record.
+void startReader()
+{
+    if (!DevicePaths::startReader(kReaderStartMs))
+        printf("COpmMainPage: no reader %d ms after its start \n", kReaderStartMs);
+}
+
+} // namespace
+
 COpmMainPage::COpmMainPage(QWidget* parent)
     : CWidget(parent)
 {
@@ -113,7 +128,7 @@ COpmMainPage::COpmMainPage(QWidget* parent)
     m_pTableOpmSetup->setFocus();
 
     m_pE2promserv = new halmanager::PlatE2PromServ(deviceRoot());
-    DevicePaths::runCommand(DevicePaths::startReaderCommand());
+    startReader();
 }
 
 COpmMainPage::~COpmMainPage()
@@ -133,7 +148,7 @@ void COpmMainPage::enterInit()
 {
     puts("COpmMainPage::enterInit ");
     DevicePaths::runCommand(DevicePaths::killReaderCommand());
-    DevicePaths::runCommand(DevicePaths::startReaderCommand());
+    startReader();
 }
 
 void COpmMainPage::exitClean()

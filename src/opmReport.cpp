@@ -1,11 +1,13 @@
 #include "opmReport.h"
 
 #include "devicePaths.h"
+#include "htmlText.h"
 #include "opmMain.h"
 #include "plate2promserv.h"
 
 #include <QDateTime>
 #include <QLocale>
+#include <QPointer>
 
 #include <unistd.h>
 
@@ -69,7 +71,8 @@ public:
     const char* text() const { return m_text; }
 
 private:
-    char m_text[1024];
+    // Room for a result whose every field is escaped at its full width, so escaping never cuts.
+    char m_text[2048];
     size_t m_used;
 };
 
@@ -84,39 +87,43 @@ int tableVariant(const Result& r)
 
 void addCells(ResultTable& t, int variant, const Result& r)
 {
-    t.add(kFirstCell, r.time);
-    t.add(kPlainCell, r.waveLenth);
-    t.add(kPlainCell, r.testMode);
+    t.add(kFirstCell, htmlEscaped(r.time).constData());
+    t.add(kPlainCell, htmlEscaped(r.waveLenth).constData());
+    t.add(kPlainCell, htmlEscaped(r.testMode).constData());
     switch (variant) {
     case 1:
-        t.add(kNumberUnitCell, r.minimum, r.limitsUnit);
-        t.add(kNumberUnitCell, r.maximum, r.limitsUnit);
-        t.add(kPlainCell, r.value);
-        t.add(kLastCell, r.pass);
+        t.add(kNumberUnitCell, htmlEscaped(r.minimum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kNumberUnitCell, htmlEscaped(r.maximum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kPlainCell, htmlEscaped(r.value).constData());
+        t.add(kLastCell, htmlEscaped(r.pass).constData());
         break;
     case 2:
-        t.add(kLastCell, r.value);
+        t.add(kLastCell, htmlEscaped(r.value).constData());
         break;
     case 3:
     case 4:
-        t.add(kPlainCell, r.ref);
+        t.add(kPlainCell, htmlEscaped(r.ref).constData());
         if (variant == 3)
-            t.add(kPlainCell, r.fiberLength);
-        t.add(kNumberUnitNoWrapCell, r.minimum, r.limitsUnit);
-        t.add(kNumberUnitCell, r.maximum, r.limitsUnit);
-        t.add(kPlainNoWrapCell, r.value);
-        t.add(kLastCell, r.pass);
+            t.add(kPlainCell, htmlEscaped(r.fiberLength).constData());
+        t.add(kNumberUnitNoWrapCell, htmlEscaped(r.minimum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kNumberUnitCell, htmlEscaped(r.maximum).constData(),
+              htmlEscaped(r.limitsUnit).constData());
+        t.add(kPlainNoWrapCell, htmlEscaped(r.value).constData());
+        t.add(kLastCell, htmlEscaped(r.pass).constData());
         break;
     default:
-        t.add(kPlainCell, r.ref);
-        t.add(kLastCell, r.value);
+        t.add(kPlainCell, htmlEscaped(r.ref).constData());
+        t.add(kLastCell, htmlEscaped(r.value).constData());
         break;
     }
 }
 
 void writeRow(FILE* out, int fontSize, const QString& label, const char* value)
 {
-    fprintf(out, kRowFormat, fontSize, label.toUtf8().constData(), value);
+    fprintf(out, kRowFormat, fontSize, label.toUtf8().constData(), htmlEscaped(value).constData());
 }
 
 // line: the source line of the EEPROM read that failed
@@ -159,7 +166,12 @@ void COpmMainPage::saveOpmResult()
 
     const QString proposed
         = QDateTime::currentDateTime().toString(QString::fromLatin1("yyyyMMdd-hhmmss"));
+    // The keypad runs its own loop, in which the host may destroy the page: then nothing is left
+    // to export from.
+    QPointer<COpmMainPage> alive = this;
     const QString name = getKeyboard(tr("Save Opm Result"), proposed);
+    if (!alive)
+        return;
     const QByteArray path = (dir + QLatin1Char('/') + name + QLatin1String(".html")).toLocal8Bit();
 
     FILE* html = fopen(path.constData(), "w+");

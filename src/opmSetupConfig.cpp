@@ -4,6 +4,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QList>
+#include <QMap>
 #include <QSet>
 #include <QSettings>
 #include <QStringList>
@@ -49,16 +51,62 @@ QSet<QString>& unwritableFiles()
     return files;
 }
 
-// INI reads an unquoted value with commas as a list and "@Type(...)" as that type; the setup
-// only knows texts. A list is joined back the way it is written, anything without a text
-// form falls back to the key's default.
-QString settingText(const QVariant& value, const char* defaultValue)
+// The value of each key of the group as it is written on its line, trimmed; a later line
+// wins, as it does for QSettings. Read as Latin-1, as QSettings reads an INI file.
+QMap<QString, QString> writtenValues(const QString& file)
 {
-    if (value.type() == QVariant::StringList)
-        return value.toStringList().join(QString::fromLatin1(", "));
-    if (!value.isValid() || !value.canConvert<QString>())
-        return QString::fromLatin1(defaultValue);
-    return value.toString();
+    QMap<QString, QString> values;
+    QFile in(file);
+    if (!in.open(QIODevice::ReadOnly))
+        return values;
+    const QList<QByteArray> lines = in.readAll().split('\n');
+    bool inGroup = false;
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString line = QString::fromLatin1(lines.at(i)).trimmed();
+        const int eq = line.indexOf(QLatin1Char('='));
+        if (line.startsWith(QLatin1Char('[')) && line.endsWith(QLatin1Char(']')))
+            inGroup = line.mid(1, line.size() - 2).trimmed() == QLatin1String(kGroup);
+        else if (inGroup && eq > 0)
+            values.insert(line.left(eq).trimmed(), line.mid(eq + 1).trimmed());
+    }
+    return values;
+}
+
+// Whether a value is written the way a save writes a text: quoted as a whole or not at all,
+// every other quote escaped, no comma or semicolon outside the quotes. QSettings reads such a
+// value back as the text that was saved. Any other value was written by hand, and QSettings
+// would read it as a list, a comment, a typed value or a text running into the next lines.
+bool isSavedForm(const QString& value)
+{
+    bool inQuotes = false;
+    int quotes = 0;
+    for (int i = 0; i < value.size(); ++i) {
+        const QChar c = value.at(i);
+        if (c == QLatin1Char('\\')) {
+            ++i;
+        } else if (c == QLatin1Char('"')) {
+            inQuotes = !inQuotes;
+            ++quotes;
+            const int at = quotes == 1 ? 0 : value.size() - 1;
+            if (quotes > 2 || i != at)
+                return false;
+        } else if (!inQuotes && (c == QLatin1Char(',') || c == QLatin1Char(';'))) {
+            return false;
+        }
+    }
+    return !inQuotes;
+}
+
+// The setup only knows texts, and keeps them as they were written: a saved text as QSettings
+// reads it back, a value written by hand ("1,5", "@Invalid()", a stray quote) as it stands.
+QString settingText(const QVariant& value, const QMap<QString, QString>& written,
+                    const char* key, const char* defaultValue)
+{
+    const QMap<QString, QString>::const_iterator line = written.find(QLatin1String(key));
+    const bool isText = value.type() == QVariant::String;
+    if (line != written.end() && !(isText && isSavedForm(line.value())))
+        return line.value();
+    return isText ? value.toString() : QString::fromLatin1(defaultValue);
 }
 
 void noteWriteResult(const QString& file, bool written)
@@ -92,12 +140,14 @@ COpmSetupConfig::~COpmSetupConfig() { }
 
 void COpmSetupConfig::COpmSetupConfigLoad()
 {
-    QSettings settings(DevicePaths::settingFile(), QSettings::IniFormat);
+    const QString file = DevicePaths::settingFile();
+    const QMap<QString, QString> written = writtenValues(file);
+    QSettings settings(file, QSettings::IniFormat);
     settings.beginGroup(QLatin1String(kGroup));
     for (size_t i = 0; i < kSetupKeyCount; ++i) {
         const SetupKey& key = kSetupKeys[i];
-        const QVariant value = settings.value(QLatin1String(key.key), QLatin1String(key.defaultValue));
-        this->*key.field = settingText(value, key.defaultValue);
+        const QVariant value = settings.value(QLatin1String(key.key));
+        this->*key.field = settingText(value, written, key.key, key.defaultValue);
     }
     settings.endGroup();
     // Written straight back, so that the file holds every key after the first start.

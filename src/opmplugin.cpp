@@ -27,14 +27,15 @@ bool NerioOpmPlugin::bkgRun(QWidget*) { return true; }
 
 bool NerioOpmPlugin::start(QWidget* parent)
 {
-    if (!bIsStarted) {
-        if (!m_pUtilWnd) {
-            m_pUtilWnd = new CUtilWindow(parent);
-            m_pOpticalPowerMeter = new COpmMainPage(m_pUtilWnd);
-            m_pUtilWnd->setCentralWidget(m_pOpticalPowerMeter);
-        }
-        bIsStarted = true;
+    // The window and the page are built once and kept; the host may have destroyed them since,
+    // and then they are built again.
+    if (!m_pUtilWnd)
+        m_pUtilWnd = new CUtilWindow(parent);
+    if (!m_pOpticalPowerMeter) {
+        m_pOpticalPowerMeter = new COpmMainPage(m_pUtilWnd);
+        m_pUtilWnd->setCentralWidget(m_pOpticalPowerMeter);
     }
+    bIsStarted = true;
     if (m_pOpticalPowerMeter)
         m_pOpticalPowerMeter->enterInit();
     m_pUtilWnd->show();

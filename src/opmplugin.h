@@ -4,6 +4,7 @@
 #include "utilinterface.h"
 
 #include <QObject>
+#include <QPointer>
 
 class COpmMainPage;
 class CUtilWindow;
@@ -34,8 +35,9 @@ public:
 private:
     friend struct OpmPageProbe;
 
-    COpmMainPage* m_pOpticalPowerMeter;
-    CUtilWindow* m_pUtilWnd;
+    // Guarded: the host may destroy the window (and the page with it) while the plug-in lives.
+    QPointer<COpmMainPage> m_pOpticalPowerMeter;
+    QPointer<CUtilWindow> m_pUtilWnd;
 };
 
 extern "C" {

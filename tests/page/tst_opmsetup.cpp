@@ -72,8 +72,6 @@ void TestOpmSetup::restore_data()
             << "refs=777777777777777 0 0 0 0; refLabel=Ref.: 777777777777777 dBm";
     // Keys differ in case: not the page's, kept in the file as they are.
     QTest::newRow("keys in other case") << "wavelength=1550; Unit=mW" << "file=15";
-    QTest::newRow("unquoted commas, one text") << "UNIT=a, b; Reference850=1,2,3"
-            << "refs=1, 2, 3 0 0 0 0; refLabel=Ref.: 1, 2, 3 dBm; file:Reference850=1, 2, 3";
     const char* const lengths[] = { "abc", "0", "100000" };
     for (int i = 0; i < 3; ++i)
         QTest::newRow(qPrintable(QString("length ") + lengths[i]))

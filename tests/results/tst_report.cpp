@@ -74,6 +74,17 @@ QString golden(const QString& name, const QString& actual)
     return text;
 }
 
+// The tables of a report as a browser's parser (html5lib) builds them: a line per row, cells
+// joined by '|', a blank line between tables; the first line (the date's) left out.
+QString parsedTables(const QString& file)
+{
+    QProcess parser;
+    parser.start("/usr/bin/python3", QStringList() << REPORT_TABLES_SCRIPT << file);
+    if (!parser.waitForFinished(20000) || parser.exitCode() != 0)
+        return "parser failed: " + QString::fromUtf8(parser.readAllStandardError());
+    return QString::fromUtf8(parser.readAllStandardOutput()).section('\n', 1);
+}
+
 } // namespace
 
 class TestReport : public QObject
@@ -82,6 +93,7 @@ class TestReport : public QObject
 private slots:
     void initTestCase();
     void everyTable();
+    void markupInTexts();
     void generalInformation_data();
     void generalInformation();
     void version_data();
@@ -115,16 +127,29 @@ void TestReport::everyTable()
     QCOMPARE(report, golden("every-table.html", report));
     QCOMPARE(CBrovaOpmDataEngine::getSingleInstance()->getResultItemCount(), times.size());
 
-    // A browser's HTML parser (html5lib) reads the same tables: one line per row, cells by '|'.
-    QProcess parser;
-    parser.start("/usr/bin/python3", QStringList() << REPORT_TABLES_SCRIPT
-                                                   << fx.root.file("/home/brova/brova-rslt/opm/report.html"));
-    QVERIFY(parser.waitForFinished(20000));
-    QVERIFY2(parser.exitCode() == 0, parser.readAllStandardError().constData());
-    QString tables = QString::fromUtf8(parser.readAllStandardOutput()).section('\n', 1);
+    // A browser's parser reads the same tables.
+    QString tables = parsedTables(fx.root.file("/home/brova/brova-rslt/opm/report.html"));
     for (int i = 0; i < times.size(); ++i)
         tables.replace(times[i], "%TIME%");
     QCOMPARE(tables, golden("every-table.txt", tables));
+}
+
+// Markup characters in every text from outside the program: the vendor file's version line, the
+// EEPROM's serial number and every text of a saved reading. A browser's parser finds the same
+// tables, each cell holding the text as it was.
+void TestReport::markupInTexts()
+{
+    const QString m = "<b>&\"x</td>";
+    ReportFixture fx("mac=00:1a:2b:3c:4d:5e\nsn=" + m.toLatin1() + '\n');
+    QVERIFY(fx.root.writeFile("/usr/local/brova/lib/vendor-info.txt", "v Common <i>2.4</i> & \"x\" </td></tr>\n"));
+    const QStringList times = storeResults(QStringList() << QString("Loss Meter|%1|%1|%1|%1|%1|%1|%1|%1").arg(m)
+                                                         << QString("%1|%1|%1|%1|%1|%1|%1").arg(m));
+    fx.exportAs("markup");
+    QCOMPARE(parsedTables(fx.root.file("/home/brova/brova-rslt/opm/markup.html")).replace(times[0], "T").replace(times[1], "T"),
+             "Software Version:|Common <i>2.4</i> & \"x\" </td></tr>\nMAC Address of Test Port:|00:1a:2b:3c:4d:5e\n"
+             "Serial Number of Test Set:|" + m + "\n\nST|WaveLenth(nm)|Test Mode|Ref.(dBm)|Length|Minimum|Maximum|Value|Pass\n"
+             "T|" + QString("%1|Loss Meter|%1|%1|%1%1|%1%1|%1|%1\n\nST|WaveLenth(nm)|Test Mode|Minimum|Maximum|Value|Pass\n"
+                                   "T|%1|%1|%1%1|%1%1|%1|%1\n").arg(m));
 }
 
 void TestReport::generalInformation_data()

@@ -153,26 +153,32 @@ int TestDeviceRoot::readerStarts() const
     return readFile("/reader-starts").count('\n');
 }
 
+QList<QByteArray> TestDeviceRoot::runningReaders() const
+{
+    const QString program = QFileInfo(DevicePaths::readerProgram()).canonicalFilePath();
+    QList<QByteArray> pids;
+    const QStringList entries = QDir("/proc").entryList(QDir::Dirs);
+    for (int i = 0; i < entries.size() && !program.isEmpty(); ++i) {
+        if (QFileInfo("/proc/" + entries[i] + "/exe").canonicalFilePath() == program)
+            pids << entries[i].toLatin1();
+    }
+    return pids;
+}
+
 // A reader may still be on its way from the shell to the program: the count is taken only once
 // every running reader has noted its start (the stand-in does, a real reader has no note), so
 // that one still starting cannot make it look right for a moment.
-bool TestDeviceRoot::readersSettleAt(int expected) const
+bool TestDeviceRoot::readersSettleAt(int expected, int timeoutMs) const
 {
-    const QString program = QFileInfo(DevicePaths::readerProgram()).canonicalFilePath();
-    for (int waited = 0; !program.isEmpty() && waited < 20000; waited += 20) {
-        QList<QByteArray> pids;
-        const QStringList entries = QDir("/proc").entryList(QDir::Dirs);
-        for (int i = 0; i < entries.size(); ++i) {
-            if (QFileInfo("/proc/" + entries[i] + "/exe").canonicalFilePath() == program)
-                pids << entries[i].toLatin1();
-        }
+    for (int waited = 0; waited < timeoutMs; waited += 10) {
+        const QList<QByteArray> pids = runningReaders();
         const QList<QByteArray> started = readFile("/reader-starts").split('\n');
         bool allStarted = true;
         for (int i = 0; i < pids.size(); ++i)
             allStarted = allStarted && (!m_standIn || started.contains(pids[i]));
         if (allStarted && pids.size() == expected)
             return true;
-        QTest::qWait(20);
+        QTest::qWait(10);
     }
     return false;
 }

@@ -50,8 +50,10 @@ public:
     // file("/reader-starts") and waits to be killed.
     bool installReader(const QString& program = QString()) const;
     int readerStarts() const;
-    // Waits until exactly expected readers of this root run, each stand-in past its start.
-    bool readersSettleAt(int expected) const;
+    // The pids of the readers of this root that run now; waiting until exactly expected of them
+    // run, each stand-in past its start.
+    QList<QByteArray> runningReaders() const;
+    bool readersSettleAt(int expected, int timeoutMs = 20000) const;
 
 private:
     TestDeviceRoot(const TestDeviceRoot&);
