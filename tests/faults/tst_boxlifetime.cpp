@@ -1,7 +1,7 @@
 // The page's boxes against the host: the shell may destroy the page, its window or the plug-in
 // (with the frame it was started in) while a box of the page is open, from inside the box's
 // own event loop. That must end cleanly, and the plug-in must carry on without what is gone.
-// And a second press of Reference while its dialog is open must not replace the dialog.
+// (A second press of Reference while its dialog is open: tst_opmsetup.)
 #include "opmPageProbe.h"
 #include "opmplugin.h"
 #include "qtCompat.h"
@@ -14,7 +14,6 @@ class TestBoxLifetime : public QObject
 private slots:
     void hostEndsPageDuringBox_data();
     void hostEndsPageDuringBox();
-    void secondReferencePress();
 };
 
 void TestBoxLifetime::hostEndsPageDuringBox_data()
@@ -94,31 +93,6 @@ void TestBoxLifetime::hostEndsPageDuringBox()
     delete frame.data();
     QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
     QCOMPARE(closer.count(), 1);
-}
-
-void TestBoxLifetime::secondReferencePress()
-{
-    TestDeviceRoot root;
-    RecordWriter reader;
-    CBrovaOpmDataEngine::getSingleInstance()->clearAllresultItem();
-    NerioOpm page;
-    OpmPageProbe::act(&page, reader, "choose mode 1; show 1310 -12.34; click reference");
-    QPointer<CDialog> open = OpmPageProbe::m_pReferenceDialog(&page);
-    QVERIFY(open && open->isVisible());
-
-    OpmPageProbe::act(&page, reader, "show 1310 -20; click reference");
-    QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
-    QCOMPARE(OpmPageProbe::m_pReferenceDialog(&page), open.data());
-    QCOMPARE(page.findChildren<CDialog*>().size(), 1);
-    QVERIFY(open->isVisible());
-
-    // Set still answers the dialog on screen, with the reading of the first press.
-    OpmPageProbe::act(&page, reader, "click set");
-    QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
-    QVERIFY(page.findChildren<CDialog*>().isEmpty());
-    const Keys state = OpmPageProbe::state(&page);
-    QCOMPARE(state.value("refs"), QString("0 -12.34 0 0 0"));
-    QCOMPARE(state.value("capture"), QString("-12.34/0"));
 }
 
 QTEST_MAIN(TestBoxLifetime)

@@ -197,7 +197,6 @@ void TestReport::version_data()
     QTest::newRow("first line from Common on") << kVendor << 128 << 0 << QByteArray("Common 2.4.1\n");
     QTest::newRow("no line break") << QByteArray("v3 Common 3.0") << 128 << 0 << QByteArray("Common 3.0");
     QTest::newRow("no Common in the first line") << QByteArray("Brova 2.4.1\nCommon 9\n") << 128 << 0 << QByteArray();
-    QTest::newRow("empty file") << QByteArray("") << 128 << 0 << QByteArray();
     // Only the first room - 1 characters of the first line are read.
     QTest::newRow("1 MB line") << "Common " + QByteArray(1 << 20, 'x') << 128 << 0 << "Common " + QByteArray(120, 'x');
     QTest::newRow("Common too late") << QByteArray(127, 'x') + "Common 1\n" << 128 << 0 << QByteArray();
@@ -229,7 +228,6 @@ void TestReport::names_data()
 
     QTest::newRow("proposed name") << "%OK%" << "%STAMP%.html";
     QTest::newRow("keypad cancelled") << QString() << "%STAMP%.html";
-    QTest::newRow("blanks") << "site A 1" << "site A 1.html";
     // The keypad takes at most 100 characters.
     QTest::newRow("300 characters") << QString(300, 'n') << QString(100, 'n') + ".html";
     QTest::newRow("slash into no folder") << "a/b" << "";

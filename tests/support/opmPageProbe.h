@@ -121,6 +121,7 @@ struct OpmPageProbe
                 QFAIL(qPrintable("no such step: " + list[i]));
             if (verb == "show" || verb == "tick")
                 QMetaObject::invokeMethod(p, "onTimer");
+            QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
         }
     }
     // The operator's controls by the names the steps use.
@@ -164,7 +165,13 @@ struct OpmPageProbe
         k["refs"] = refs.join(" ");
         k["refLabel"] = p->m_pOpmRefLabel->text();
         k["capture"] = fieldText(p->m_sOpmRef.value) + '/' + n(p->m_sOpmRef.flag);
-        k["dialog"] = p->m_pReferenceDialog ? "open" : "none";
+        const CDialog* d = p->m_pReferenceDialog;
+        k["dialog"] = !d ? "none" : d->windowModality() == Qt::ApplicationModal ? "modal" : "modeless";
+        k["dialogLines"] = d ? p->m_pRefLabel2->text() + '|' + p->m_pRefLabel3->text() : QString();
+        int dialogs = 0;
+        foreach (const CDialog* dialog, p->findChildren<CDialog*>())
+            dialogs += dialog->isVisible();
+        k["dialogs"] = n(dialogs);
         k["mode"] = n(p->m_pTestMode->currentIndex()) + '/' + n(p->m_eTestMode);
         k["modeText"] = p->m_pTestMode->currentText();
         k["unit"] = n(p->m_eRusultUnit);

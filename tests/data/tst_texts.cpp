@@ -1,5 +1,7 @@
-// The reading display's arithmetic and text, without a page: each mode and unit, the reader's
-// relative levels, no light, and values no reader should send.
+// Texts of fixed width and the reading's text: bounded copies, which never run past a field and
+// keep the unit of a measurement that does not fit; and the reading display's arithmetic and
+// text without a page, in each mode and unit, for the reader's relative levels, no light and
+// values no reader should send.
 #include "fixedText.h"
 #include "opmReading.h"
 
@@ -7,15 +9,60 @@
 
 #include <cstring>
 
-class TestReadingText : public QObject
+class TestTexts : public QObject
 {
     Q_OBJECT
 private slots:
+    void copy_data();
+    void copy();
     void format_data();
     void format();
 };
 
-void TestReadingText::format_data()
+// Every row goes through the plain copy, the copy of a 16-byte field of another record (the
+// source with garbage behind its NUL, or its first 16 bytes and no NUL) and the copy of a
+// measurement, each into a 16-byte field between guard bytes.
+void TestTexts::copy_data()
+{
+    QTest::addColumn<QString>("source"); // a null text stands for a null pointer
+    QTest::addColumn<QString>("copied");
+    QTest::addColumn<QString>("measured");
+    QTest::newRow("null") << QString() << "" << "";
+    QTest::newRow("one too long") << "1234567890123456" << "123456789012345" << "123456789012345";
+    QTest::newRow("exact fit") << "-1.500000 dB/km" << "-1.500000 dB/km" << "-1.500000 dB/km";
+    QTest::newRow("one digit dropped") << "-12.500000 dB/km" << "-12.500000 dB/k" << "-12.50000 dB/km";
+    QTest::newRow("every digit and the point dropped")
+            << "-1234567.500000 dB/km" << "-1234567.500000" << "-1234567 dB/km";
+    QTest::newRow("still too long: cut") << "-12345678.500000 dB/km" << "-12345678.50000" << "-12345678.50000";
+    QTest::newRow("point only in the unit: cut") << "12 dB.km/xxxxxxxxx" << "12 dB.km/xxxxxx" << "12 dB.km/xxxxxx";
+}
+
+void TestTexts::copy()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, copied);
+    QFETCH(QString, measured);
+    const QByteArray bytes = source.toLatin1();
+    const char* src = source.isNull() ? 0 : bytes.constData();
+    char field[16];
+    std::memset(field, 'X', sizeof field);
+    std::memcpy(field, bytes.constData(), std::min(sizeof field, size_t(bytes.size()) + 1));
+
+    for (int way = 0; way < 3; ++way) {
+        char guarded[32];
+        std::memset(guarded, '#', sizeof guarded);
+        if (way == 0)
+            FixedText::copy(guarded + 8, 16, src);
+        else if (way == 1)
+            FixedText::copyField(guarded + 8, 16, field, 16);
+        else
+            FixedText::copyMeasurement(guarded + 8, 16, src);
+        QCOMPARE(QByteArray(guarded, 8) + QByteArray(guarded + 24, 8), QByteArray(16, '#'));
+        QCOMPARE(QString::fromLatin1(guarded + 8, int(strnlen(guarded + 8, 16))), way == 2 ? measured : copied);
+    }
+}
+
+void TestTexts::format_data()
 {
     // The page's settings: "power <unit>" or "loss <unit> <length> <reference>".
     QTest::addColumn<QString>("settings");
@@ -48,7 +95,7 @@ void TestReadingText::format_data()
     QTest::newRow("unknown loss unit") << "loss 7 1 0" << QByteArray("-3 dBm") << "|was|was";
 }
 
-void TestReadingText::format()
+void TestTexts::format()
 {
     QFETCH(QString, settings);
     QFETCH(QByteArray, value);
@@ -76,5 +123,5 @@ void TestReadingText::format()
     QCOMPARE(QString::fromLatin1(text) + '|' + result.limitsUnit + '|' + result.fiberLength, shown);
 }
 
-QTEST_APPLESS_MAIN(TestReadingText)
-#include "tst_readingtext.moc"
+QTEST_APPLESS_MAIN(TestTexts)
+#include "tst_texts.moc"
