@@ -90,9 +90,9 @@ void TestTexts::format_data()
     QTest::newRow("-1e-320") << "power dBm" << QByteArray("-1e-320 dBm") << "-0.000 dBm|dBm|was";
     QTest::newRow("empty") << "power dBm" << QByteArray(" dBm") << "0.000 dBm|dBm|was";
     QTest::newRow("loss over a tiny length") << "loss dB/km 1e-30 1e30" << QByteArray("0 dBm") << "inf dB/km|was|0.000000 km";
-    // A mode or unit the page does not know: nothing written.
-    QTest::newRow("unknown unit") << "power 7" << QByteArray("-3 dBm") << "|was|was";
-    QTest::newRow("unknown loss unit") << "loss 7 1 0" << QByteArray("-3 dBm") << "|was|was";
+    // A unit the page does not know (within what its enumeration can hold): nothing written.
+    QTest::newRow("unknown unit") << "power 3" << QByteArray("-3 dBm") << "|was|was";
+    QTest::newRow("unknown loss unit") << "loss 3 1 0" << QByteArray("-3 dBm") << "|was|was";
 }
 
 void TestTexts::format()
@@ -106,7 +106,7 @@ void TestTexts::format()
     for (int i = 0; i < 6; ++i)
         unit = s[1] == units[i] ? i % 3 : unit;
     const QByteArray reference = s.value(3).toLatin1();
-    const OpmDisplaySettings display = { s[0] == "power" ? PowerMeter : s[0] == "loss" ? LossMeter : TestModeType(7),
+    const OpmDisplaySettings display = { s[0] == "power" ? PowerMeter : LossMeter,
                                          RusultUnit(unit), LossLengthType(unit), s.value(2).toFloat(),
                                          reference.constData() };
     const QList<QByteArray> reading = value.split(' ');

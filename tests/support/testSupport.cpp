@@ -7,7 +7,6 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStringList>
@@ -217,15 +216,8 @@ void ModalBoxCloser::closeActive()
     QWidget* box = QApplication::activeModalWidget();
     if (!box)
         return;
-    QStringList texts;
-    if (QMessageBox* messageBox = qobject_cast<QMessageBox*>(box)) {
-        texts << messageBox->text();
-    } else {
-        const QList<QLabel*> labels = box->findChildren<QLabel*>();
-        for (int i = 0; i < labels.size(); ++i)
-            texts << labels[i]->text();
-    }
-    m_boxes << box->windowTitle() + ": " + texts.join("\n");
+    QMessageBox* message = qobject_cast<QMessageBox*>(box);
+    m_boxes << box->windowTitle() + ": " + (message ? message->text() : QString());
     // Whatever the handler does or checks, the box must not stay open.
     const bool handled = handler && handler(box);
     if (!handled || QApplication::activeModalWidget() == box) {

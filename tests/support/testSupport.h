@@ -78,7 +78,8 @@ private:
     OpmShareRecord* m_record;
 };
 
-// Closes every modal box that opens while it lives and records "title: text" of each.
+// Closes every modal box that opens while it lives and records "title: text" of each (the text
+// of a message box).
 class ModalBoxCloser : public QObject
 {
     Q_OBJECT
