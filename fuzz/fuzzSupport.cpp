@@ -17,7 +17,7 @@ namespace FuzzSupport {
 
 void start()
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    if (qgetenv("QT_QPA_PLATFORM").isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // Qt keeps argc by reference and may strip options: give it its own, never libFuzzer's.
     static int argc = 1;
