@@ -143,7 +143,12 @@ int main(int argc, char** argv)
     }
     // Qt gets no options of ours; its own settings come from the environment (QT_QPA_PLATFORM).
     int qtArgc = 1;
+#ifdef Q_WS_QWS
+    // Qt for Embedded Linux, as on the set: the shell is its own display server.
+    QApplication app(qtArgc, argv, QApplication::GuiServer);
+#else
     QApplication app(qtArgc, argv);
+#endif
     app.setApplicationName(QString::fromLatin1("opmshell"));
     PluginLoader loader(options.plugin);
     if (!loader.load()) {
