@@ -132,6 +132,11 @@ void TestOffsetBar::repaint()
     QFETCH(QVector<double>, before);
     QFETCH(QVector<double>, after);
     QFETCH(bool, repainted);
+#ifdef Q_WS_QWS
+    // The embedded display server places a new window later and repaints it on its own
+    // schedule; the count and the grab of the screen hold for a window system's windows.
+    OPM_SKIP("repaints are counted on X11 and offscreen windows only");
+#endif
 
     OffsetBar bar;
     bar.setRangedOffset(before[0], before[1], before[2]);
