@@ -8,7 +8,8 @@ qt4_shared_dir=${QT4_SHARED_DIR:-$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && 
 # already; the override (QT4_DIR) names an unpacked Qt to use instead. Returns 1 with the reason
 # in qt4_missing when there is none.
 qt4_unpack() {
-    local build=$1 tarball=$qt4_shared_dir/$2 folder=$3 override=$4
+    local build tarball=$qt4_shared_dir/$2 folder=$3 override=$4
+    build=$(mkdir -p "$1" && cd "$1" && pwd)
     qt4_dir='' qt4_missing=''
     if [[ -n $override ]]; then
         for qt4_dir in "$override" "$override/$folder"; do
