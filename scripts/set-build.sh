@@ -136,11 +136,19 @@ PY
 # Every suite, one after another, each its own QWS server. QtTest suites with a QApplication
 # are servers by -qws; the others (and the programs suites start) make themselves servers or
 # need none.
+# tst_readerstart slows the reader's start by preloading a library into the shell the page
+# starts it with; here that shell is the PC's 64-bit /bin/sh, which cannot take a 32-bit library.
+not_here=" tst_readerstart "
 started=$SECONDS
 suites_passed=0
 suites_failed=()
+suites_not_here=()
 display=20
 while IFS=$'\t' read -r name timeout workdir command; do
+    if [[ $not_here == *" $name "* ]]; then
+        suites_not_here+=("$name")
+        continue
+    fi
     display=$(next_display "$display")
     read -r -a argv <<<"$command"
     symbols=$(nm -D --undefined-only "${argv[0]}" 2>/dev/null || true)
@@ -163,7 +171,7 @@ for test in json.load(sys.stdin)["tests"]:
                      props.get("WORKING_DIRECTORY", "."), " ".join(test["command"])]))
 ')
 echo "set-build: i386 QWS suites: $suites_passed passed, ${#suites_failed[@]} failed${suites_failed:+ (${suites_failed[*]})}" \
-     "in $((SECONDS - started)) s"
+     "in $((SECONDS - started)) s${suites_not_here:+; not run on this 64-bit host: ${suites_not_here[*]}}"
 
 # The shell stand-in loads the demo plug-in through QPluginLoader, with the simulated reader
 # live below the demo root, and grabs the page as the set draws it.
