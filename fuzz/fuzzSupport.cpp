@@ -17,14 +17,18 @@ namespace FuzzSupport {
 
 void start()
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    if (qgetenv("QT_QPA_PLATFORM").isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // Qt keeps argc by reference and may strip options: give it its own, never libFuzzer's.
     static int argc = 1;
     static char name[] = "opmfuzz";
     static char* argv[] = { name, nullptr };
     // Left alive at exit: the harnesses' pages outlive every static.
+#ifdef Q_WS_QWS
+    new QApplication(argc, argv, QApplication::GuiServer); // its own display server
+#else
     new QApplication(argc, argv);
+#endif
     root();
     new ModalBoxCloser;
 }

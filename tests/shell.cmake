@@ -12,8 +12,10 @@ opm_add_test(tst_platform shell/tst_platform.cpp)
 # The product's own device root: this suite must not link the test support library, which
 # brings a root of its own.
 add_executable(tst_devicepaths shell/tst_devicepaths.cpp ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp)
-target_include_directories(tst_devicepaths PRIVATE ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(tst_devicepaths PRIVATE opmroot_product OpmQt::Core OpmQt::Test)
+target_include_directories(tst_devicepaths PRIVATE ${PROJECT_SOURCE_DIR}/src
+                                                   ${CMAKE_CURRENT_SOURCE_DIR}/support)
+# Widgets for the toolkit helpers' headers only.
+target_link_libraries(tst_devicepaths PRIVATE opmroot_product OpmQt::Widgets OpmQt::Test)
 target_compile_definitions(tst_devicepaths PRIVATE
     OPM_PRODUCT_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     OPM_PRODUCT_PROGRAM_FILE="$<TARGET_FILE:opm>"

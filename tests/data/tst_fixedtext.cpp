@@ -16,7 +16,7 @@ QString copiedInto16(const std::function<void(char*)>& copy)
     std::memset(bytes, '#', sizeof bytes);
     copy(bytes + 8);
     if (QByteArray(bytes, 8) + QByteArray(bytes + 24, 8) != QByteArray(16, '#'))
-        return QStringLiteral("overrun");
+        return QString::fromLatin1("overrun");
     return QString::fromLatin1(bytes + 8, int(qstrnlen(bytes + 8, 16)));
 }
 

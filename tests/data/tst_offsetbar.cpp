@@ -1,9 +1,9 @@
 // The gauge: position and marker for values inside, at and beyond the limits, degenerate limits
 // and values, clearing, labels, and where the marker lands on the screen.
 #include "offsetBar.h"
+#include "qtCompat.h"
 
 #include <QImage>
-#include <QScreen>
 #include <QtTest>
 
 #include <climits>
@@ -25,25 +25,25 @@ private slots:
 void TestOffsetBar::labelsAndClear()
 {
     OffsetBar bar;
-    QCOMPARE(bar.minLabel(), QStringLiteral("-60"));
-    QCOMPARE(bar.maxLabel(), QStringLiteral("10"));
+    QCOMPARE(bar.minLabel(), QString::fromLatin1("-60"));
+    QCOMPARE(bar.maxLabel(), QString::fromLatin1("10"));
     bar.setRangedOffset(-1e15, 1e15, 0.0); // longer than 15 characters
-    QCOMPARE(bar.minLabel(), QStringLiteral("-1000000000000000.00"));
-    QCOMPARE(bar.maxLabel(), QStringLiteral("1000000000000000.00"));
+    QCOMPARE(bar.minLabel(), QString::fromLatin1("-1000000000000000.00"));
+    QCOMPARE(bar.maxLabel(), QString::fromLatin1("1000000000000000.00"));
 
     // clear() keeps limits, value and labels: the marker is placed from the lower limit.
     bar.setRangedOffset(-20.0, -10.0, -15.0);
     bar.clear();
     QCOMPARE(bar.percent(), 0);
     QCOMPARE(bar.markerX(), 122);
-    QCOMPARE(bar.minLabel(), QStringLiteral("-20.00"));
-    QCOMPARE(bar.maxLabel(), QStringLiteral("-10.00"));
+    QCOMPARE(bar.minLabel(), QString::fromLatin1("-20.00"));
+    QCOMPARE(bar.maxLabel(), QString::fromLatin1("-10.00"));
 
     // Limits equal to the constructor's still get labels of their own.
     OffsetBar fresh;
     fresh.setRangedOffset(-60.0, 10.0, 0.0);
-    QCOMPARE(fresh.minLabel(), QStringLiteral("-60.00"));
-    QCOMPARE(fresh.maxLabel(), QStringLiteral("10.00"));
+    QCOMPARE(fresh.minLabel(), QString::fromLatin1("-60.00"));
+    QCOMPARE(fresh.maxLabel(), QString::fromLatin1("10.00"));
 }
 
 void TestOffsetBar::position_data()
@@ -94,9 +94,9 @@ void TestOffsetBar::position()
     QCOMPARE(bar.percent(), percent);
     QCOMPARE(bar.markerX(), markerX);
     // The blue marker, 5 pixels wide, starts where markerX() says.
-    const QImage image = bar.grab().toImage();
-    QCOMPARE(image.pixelColor(markerX, 12), QColor(Qt::blue));
-    QVERIFY(markerX == 0 || image.pixelColor(markerX - 1, 12) != QColor(Qt::blue));
+    const QImage image = TestCompat::grab(&bar).toImage();
+    QCOMPARE(QColor(image.pixel(markerX, 12)), QColor(Qt::blue));
+    QVERIFY(markerX == 0 || QColor(image.pixel(markerX - 1, 12)) != QColor(Qt::blue));
 }
 
 class PaintCounter : public QObject
@@ -132,11 +132,16 @@ void TestOffsetBar::repaint()
     QFETCH(QVector<double>, before);
     QFETCH(QVector<double>, after);
     QFETCH(bool, repainted);
+#ifdef Q_WS_QWS
+    // The embedded display server places a new window later and repaints it on its own
+    // schedule; the count and the grab of the screen hold for a window system's windows.
+    OPM_SKIP("repaints are counted on X11 and offscreen windows only");
+#endif
 
     OffsetBar bar;
     bar.setRangedOffset(before[0], before[1], before[2]);
     bar.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&bar));
+    QVERIFY(TestCompat::waitForShown(&bar));
     QCoreApplication::processEvents();
     PaintCounter counter;
     bar.installEventFilter(&counter);
@@ -147,9 +152,9 @@ void TestOffsetBar::repaint()
     // What the screen shows after the partial repaint is a bar drawn afresh.
     OffsetBar fresh;
     fresh.setRangedOffset(after[0], after[1], after[2]);
-    const QImage shown = bar.screen()->grabWindow(bar.winId()).toImage();
+    const QImage shown = TestCompat::grabWindow(&bar).toImage();
     QCOMPARE(shown.convertToFormat(QImage::Format_RGB32),
-             fresh.grab().toImage().convertToFormat(QImage::Format_RGB32));
+             TestCompat::grab(&fresh).toImage().convertToFormat(QImage::Format_RGB32));
 }
 
 QTEST_MAIN(TestOffsetBar)

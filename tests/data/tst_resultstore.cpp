@@ -78,7 +78,7 @@ void TestResultStore::addStampsBothCopies()
             break;
     }
     const QString stamp = QString::fromLatin1(first.time);
-    const QString format = QStringLiteral("yyyy-MM-dd HH:mm:ss");
+    const QString format = QString::fromLatin1("yyyy-MM-dd HH:mm:ss");
     const QDateTime stamped = QDateTime::fromString(stamp, format);
     QCOMPARE(stamped.toString(format), stamp);
     QVERIFY2(stamped >= before.addSecs(-2) && stamped <= QDateTime::currentDateTime().addSecs(2),

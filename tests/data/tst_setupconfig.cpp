@@ -8,7 +8,7 @@
 #include <QMap>
 #include <QtTest>
 
-using Section = QMap<QString, QString>;
+using Section = TestCompat::StringMap;
 
 namespace {
 
@@ -35,7 +35,7 @@ const Expected kExpected[] = {
     { &COpmSetupConfig::mreference1625, "Reference1625", "0" },
 };
 
-const QString kSettingFile = QStringLiteral("/home/Setting/opmSetup.conf");
+const QString kSettingFile = QString::fromLatin1("/home/Setting/opmSetup.conf");
 
 // The defaults, with changes on top.
 Section defaults(const Section& changes = Section())
@@ -110,9 +110,9 @@ void TestSetupConfig::storedFile()
     QFETCH(Section, changes);
     TestDeviceRoot root;
     QVERIFY(file.isNull() || root.writeFile(kSettingFile, file));
-    QCOMPARE(QFileInfo::exists(root.file(QStringLiteral("/home/Setting"))), !file.isNull());
+    QCOMPARE(QFileInfo(root.file(QString::fromLatin1("/home/Setting"))).exists(), !file.isNull());
     COpmSetupConfig config;
-    QVERIFY(QFileInfo(root.file(QStringLiteral("/home/Setting"))).isDir());
+    QVERIFY(QFileInfo(root.file(QString::fromLatin1("/home/Setting"))).isDir());
     QCOMPARE(fieldsOf(config), defaults(changes));
     QCOMPARE(sectionOnDisk(root), defaults(changes));
 }
@@ -158,12 +158,12 @@ void TestSetupConfig::unusableFile()
 
     COpmSetupConfig config;
     QCOMPARE(fieldsOf(config), defaults());
-    config.mTestMode = QStringLiteral("LossMeter");
+    config.mTestMode = QString::fromLatin1("LossMeter");
     config.COpmSetupConfigSave();
     QCOMPARE(fieldsOf(config), defaults({ { "TestMode", "LossMeter" } }));
     if (path != kSettingFile)
         QCOMPARE(root.readFile(path), content);
 }
 
-QTEST_GUILESS_MAIN(TestSetupConfig)
+OPM_TEST_GUILESS_MAIN(TestSetupConfig)
 #include "tst_setupconfig.moc"

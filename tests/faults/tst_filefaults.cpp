@@ -3,9 +3,9 @@
 
 namespace {
 
-const QString kSettingFile = QStringLiteral("/home/Setting/opmSetup.conf");
+const QString kSettingFile = QString::fromLatin1("/home/Setting/opmSetup.conf");
 const QByteArray kTrace = "COpmSetupConfig cannot write ";
-const QString kReportDir = QStringLiteral("/home/brova/brova-rslt/opm");
+const QString kReportDir = QString::fromLatin1("/home/brova/brova-rslt/opm");
 
 } // namespace
 
@@ -41,7 +41,7 @@ void TestFileFaults::settingsLost()
 
     PageFixture fx;
     QVERIFY(QFile::remove(fx.root.file(kSettingFile)));
-    QVERIFY(QDir(fx.root.file(removed)).removeRecursively());
+    QVERIFY(TestCompat::removeRecursively(fx.root.file(removed)));
     QVERIFY(inTheWay.isEmpty() || fx.root.writeFile(inTheWay, "in the way"));
 
     StdoutCapture capture;
@@ -54,7 +54,7 @@ void TestFileFaults::settingsLost()
 
     // The way cleared: whatever sits at the removed path goes, the folder is back.
     QFile::remove(fx.root.file(removed));
-    QVERIFY(QDir(fx.root.file(removed)).removeRecursively());
+    QVERIFY(TestCompat::removeRecursively(fx.root.file(removed)));
     QVERIFY(QDir().mkpath(fx.root.file("/home/Setting")));
     fx.act("click limits");
     fx.verify({ { "file", "13" }, { "file:Wavelength", "1550" }, { "file:UNIT", "mW" },
@@ -74,7 +74,7 @@ void TestFileFaults::reportFolderReplaced()
     OpmPageProbe::act(setup, fx.reader, "show 1550 -12.34; click save");
     QTest::keyClick(&main, Qt::Key_F1);
     QVERIFY(QFileInfo(fx.root.file(kReportDir + "/site.html")).isFile());
-    QVERIFY(QDir(fx.root.file(kReportDir)).removeRecursively());
+    QVERIFY(TestCompat::removeRecursively(fx.root.file(kReportDir)));
     QVERIFY(fx.root.writeFile(kReportDir, "in the way"));
 
     StdoutCapture capture;

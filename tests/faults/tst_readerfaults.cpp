@@ -13,11 +13,11 @@ namespace {
 constexpr int kWaitMs = 20000;
 
 // What the page shows of a live reading in dBm.
-const QRegularExpression kReading(QStringLiteral("^(-?\\d+\\.\\d{3}) dBm$"));
+const QRegExp kReading(QString::fromLatin1("^(-?\\d+\\.\\d{3}) dBm$"));
 
 double shownNumber(NerioOpm* page)
 {
-    return kReading.match(P::state(page).value("label")).captured(1).toDouble();
+    return TestCompat::captured(kReading, P::state(page).value("label"), 1).toDouble();
 }
 
 } // namespace
@@ -44,13 +44,13 @@ private:
 void TestReaderFaults::init()
 {
     m_fx.reset(new PageFixture(Keys(), false));
-    QVERIFY(m_fx->root.installReader(QStringLiteral(LUMENPROBE_PATH)));
+    QVERIFY(m_fx->root.installReader(QString::fromLatin1(LUMENPROBE_PATH)));
     m_main.reset(new COpmMainPage);
     m_main->setGeometry(141, 61, 658, 398);
     m_main->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
+    QVERIFY(TestCompat::waitForShown(m_main.get()));
     m_setup = P::m_pTableOpmSetup(m_main.get());
-    QTRY_VERIFY_WITH_TIMEOUT(kReading.match(P::state(m_setup).value("label")).hasMatch(), kWaitMs);
+    OPM_TRY_VERIFY(TestCompat::containsMatch(kReading, P::state(m_setup).value("label")), kWaitMs);
     QCOMPARE(m_fx->root.runningReaders(), 1);
 }
 
@@ -81,22 +81,22 @@ void TestReaderFaults::readerKilled()
 
     QVERIFY(record()->pid > 0);
     QCOMPARE(::kill(pid_t(record()->pid), signal), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(m_fx->root.runningReaders(), 0, kWaitMs);
+    OPM_TRY_COMPARE(m_fx->root.runningReaders(), 0, kWaitMs);
     const OpmShareRecord left = *record();
     QCOMPARE(left.flag, flag);
 
-    QSignalSpy ticks(P::m_pTimer(m_setup), &QTimer::timeout);
-    QTRY_VERIFY_WITH_TIMEOUT(ticks.count() >= 1, kWaitMs);
+    QSignalSpy ticks(P::m_pTimer(m_setup), SIGNAL(timeout()));
+    OPM_TRY_VERIFY(ticks.count() >= 1, kWaitMs);
     const QString label = P::state(m_setup).value("label");
-    QTRY_VERIFY_WITH_TIMEOUT(ticks.count() >= 3, kWaitMs);
+    OPM_TRY_VERIFY(ticks.count() >= 3, kWaitMs);
     const Keys state = P::state(m_setup);
     QCOMPARE(state.value("label"), label);
-    QVERIFY2(kReading.match(label).hasMatch(), qPrintable(label));
+    QVERIFY2(TestCompat::containsMatch(kReading, label), qPrintable(label));
     QCOMPARE(state.value("colour"), colour);
     QCOMPARE(state.value("timer"), QString("1000"));
     if (flag == OpmFlagReading) {
         const float last = float(std::atof(fieldText(left.value).toLatin1().constData()));
-        QCOMPARE(label, QString::asprintf("%.3f dBm", double(last)));
+        QCOMPARE(label, QString::number(double(last), 'f', 3) + " dBm");
     }
 }
 
@@ -106,14 +106,14 @@ void TestReaderFaults::readerRestarted()
 {
     const int32_t first = record()->pid;
     m_main->enterInit();
-    QTRY_VERIFY_WITH_TIMEOUT(record()->pid != first && record()->flag == OpmFlagReading, kWaitMs);
+    OPM_TRY_VERIFY(record()->pid != first && record()->flag == OpmFlagReading, kWaitMs);
     QCOMPARE(m_fx->root.runningReaders(), 1);
 
     P::act(m_setup, m_fx->reader, "choose wave 3");
-    QTRY_COMPARE_WITH_TIMEOUT(P::state(m_setup).value("wave"), QString("3/3"), kWaitMs);
+    OPM_TRY_COMPARE(P::state(m_setup).value("wave"), QString("3/3"), kWaitMs);
     // A tick may catch the reader between its wavelength and its value; a later one shows the
     // single-mode reading.
-    QTRY_VERIFY_WITH_TIMEOUT(shownNumber(m_setup) > -8 && shownNumber(m_setup) < -3, kWaitMs);
+    OPM_TRY_VERIFY(shownNumber(m_setup) > -8 && shownNumber(m_setup) < -3, kWaitMs);
     QCOMPARE(P::state(m_setup).value("waveLenth"), QString("1550"));
     QCOMPARE(m_fx->root.runningReaders(), 1);
 }

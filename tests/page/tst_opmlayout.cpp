@@ -48,18 +48,18 @@ void TestOpmLayout::shown()
                 { "layout", "power" }, { "timer", "off" }, { "barPlace", "205,200 255x40" } });
     page->resize(658, 368);
     page->show();
-    QVERIFY(QTest::qWaitForWindowExposed(page));
+    QVERIFY(TestCompat::waitForShown(page));
     fx.reader.setReading("1310", "dBm", "-5");
     QMetaObject::invokeMethod(P::m_pTimer(page), "timeout");
     fx.verify({ { "timer", "1000" }, { "label", "-5.000 dBm" } });
 
     fx.act("click mW");
     for (int mode : { 1, 0 }) {
-        fx.act(QStringLiteral("choose mode %1").arg(mode));
+        fx.act(QString::fromLatin1("choose mode %1").arg(mode));
         QCoreApplication::processEvents();
         QVERIFY(QFile::remove(DevicePaths::settingFile()));
         page->translate();
-        fx.verify({ { "mode", QStringLiteral("%1/%1").arg(mode) }, { "layout", mode ? "loss" : "power" },
+        fx.verify({ { "mode", QString::fromLatin1("%1/%1").arg(mode) }, { "layout", mode ? "loss" : "power" },
                     { "barPlace", "205,200 255x40" },
                     { "modeText", mode ? "Loss Meter" : "Power Meter(OPM)" },
                     { "caption", mode ? "Loss Limits" : "Power Limits (mW)" } });
@@ -87,9 +87,9 @@ void TestOpmLayout::withoutRecord()
 // Written only when OPM_WRITE_DOCS names the docs folder, for a person to look at.
 void TestOpmLayout::screenshots()
 {
-    const QString docs = qEnvironmentVariable("OPM_WRITE_DOCS");
+    const QString docs = QString::fromLocal8Bit(qgetenv("OPM_WRITE_DOCS"));
     if (docs.isEmpty())
-        QSKIP("OPM_WRITE_DOCS is not set");
+        OPM_SKIP("OPM_WRITE_DOCS is not set");
 
     // No box closer here: it would close the reference dialog before its picture is taken.
     TestDeviceRoot root;
@@ -102,13 +102,13 @@ void TestOpmLayout::screenshots()
     COpmMainPage main;
     main.setGeometry(141, 61, 658, 398);
     main.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&main));
+    QVERIFY(TestCompat::waitForShown(&main));
     NerioOpm* page = main.findChild<NerioOpm*>();
     QVERIFY(page);
 
     auto shoot = [&](const QString& name, QWidget* widget) {
         QCoreApplication::processEvents();
-        QVERIFY(widget && widget->grab().save(QDir(docs).filePath(name)));
+        QVERIFY(widget && TestCompat::grab(widget).save(QDir(docs).filePath(name)));
     };
 
     P::act(page, reader, "show 1310 -12.34; click save; tick");

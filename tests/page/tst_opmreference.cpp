@@ -42,7 +42,7 @@ void TestOpmReference::scenario_data()
                       { "file:Reference1550", "-12.34" }, { "file:Reference1310", "0" } };
     // However the dialog goes without Set, nothing is stored and the capture follows the reading.
     for (const char* way : { "click cancel", "escape", "close" }) {
-        QTest::addRow("%s", way)
+        TestCompat::addRow("%s", way)
                 << kSetup << QString("show 1550 -12.34; click reference; %1; show 1550 -9").arg(way)
                 << Keys { { "refs", "-1 0 -3 -4 -5" }, { "refLabel", "Ref.: -1 dBm" },
                           { "capture", "-9/0" }, { "dialog", "none" } };
@@ -88,7 +88,7 @@ void TestOpmReference::dialog()
     for (const QLabel* label : dialog->findChildren<QLabel*>())
         texts << label->text();
     for (const QString& line : lines)
-        QVERIFY2(texts.contains(line), qPrintable(texts.join('\n')));
+        QVERIFY2(texts.contains(line), qPrintable(texts.join("\n")));
     if (end.isEmpty())
         fx.page.reset();
     fx.act(end);

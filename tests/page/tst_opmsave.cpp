@@ -35,7 +35,7 @@ void TestOpmSave::scenario_data()
     QTest::newRow("not connected") << Keys() << steps.arg(2)
                                    << with(kept, { { "label", "OPM Not Connected!" } });
     for (int other : { 3, -1, 7 })
-        QTest::addRow("state %d", other)
+        TestCompat::addRow("state %d", other)
                 << Keys() << steps.arg(other) << with(shown, { { "stored", "0" } });
     QTest::newRow("reading") << Keys() << steps.arg(1)
                              << with(shown, { { "stored", "2" }, { "boxes", "0" } });

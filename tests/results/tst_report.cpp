@@ -99,7 +99,7 @@ struct ReportFixture
         const QByteArray actual = reportFile(name);
         const bool same = actual == expected(before) || actual == expected(after);
         if (!same)
-            qWarning().noquote() << "report:\n" << actual << "\nexpected:\n" << expected(after);
+            qWarning("report:\n%s\nexpected:\n%s", actual.constData(), expected(after).constData());
         return same;
     }
     QString stamp(const QDateTime& t) const { return t.toString("yyyyMMdd-hhmmss"); }

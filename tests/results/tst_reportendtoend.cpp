@@ -34,9 +34,9 @@ void TestReportEndToEnd::readingToReport()
     COpmMainPage page;
     page.show();
     NerioOpm* setup = OpmPageProbe::m_pTableOpmSetup(&page);
-    QTRY_COMPARE_WITH_TIMEOUT(
+    OPM_TRY_COMPARE(
         OpmPageProbe::state(setup).value("label"), QString("-7.250 dBm"), waitMs);
-    QTRY_COMPARE_WITH_TIMEOUT(store->getResultItemCount(), 1, waitMs);
+    OPM_TRY_COMPARE(store->getResultItemCount(), 1, waitMs);
     const QString saved = QString::fromLatin1(store->getLastResultItem().time);
 
     ModalBoxCloser closer;
@@ -57,7 +57,7 @@ void TestReportEndToEnd::readingToReport()
     const QStringList info = tables[0].split('\n');
     QCOMPARE(info.size(), 4);
     QVERIFY(info[0].startsWith("Date and Time Results Were Saved:|"));
-    QCOMPARE(info.mid(1),
+    QCOMPARE(QStringList(info.mid(1)),
         QStringList(
             { "Software Version:|Common 2.4.1", "MAC Address of Test Port:|00:1a:2b:3c:4d:a8",
                 "Serial Number of Test Set:|BR-0001234" }));

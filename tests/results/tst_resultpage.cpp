@@ -40,7 +40,7 @@ void TestResultPage::lines_data()
     const QString full
         = QString("Loc #1 , Wave length:%1 nm , Mode:%1 , Value:%1 , Pass:%1").arg(w);
     QTest::newRow("full-width fields")
-        << QStringList { QStringList { w, w, w, w }.join('|') } << QStringList { full.left(99) };
+        << QStringList { QStringList { w, w, w, w }.join("|") } << QStringList { full.left(99) };
 }
 
 void TestResultPage::lines()

@@ -16,14 +16,14 @@ inline bool readersSettleAt(const TestDeviceRoot& root, int expected)
     const QString program = QFileInfo(DevicePaths::readerProgram()).canonicalFilePath();
     auto running = [&] {
         QList<QByteArray> pids;
-        for (const QString& entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        for (const QString& entry : QDir(QString::fromLatin1("/proc")).entryList(QDir::Dirs)) {
             if (QFileInfo("/proc/" + entry + "/exe").canonicalFilePath() == program)
                 pids << entry.toLatin1();
         }
         return pids;
     };
     return !program.isEmpty()
-        && QTest::qWaitFor(
+        && TestCompat::waitFor(
             [&] {
                 const QList<QByteArray> pids = running();
                 const QList<QByteArray> started = root.readFile("/reader-starts").split('\n');

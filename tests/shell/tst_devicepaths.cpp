@@ -1,6 +1,7 @@
 // The product's device paths: linked with the product's own root, as the plug-in and the
 // stand-alone program are, and checked in the built product files themselves.
 #include "devicePaths.h"
+#include "qtCompat.h"
 
 #include <QtTest>
 
@@ -17,11 +18,11 @@ private slots:
 void TestDevicePaths::pathsAndCommands()
 {
     QCOMPARE(deviceRoot(), "");
-    QCOMPARE(DevicePaths::settingDir(), QStringLiteral("/home/Setting"));
-    QCOMPARE(DevicePaths::settingFile(), QStringLiteral("/home/Setting/opmSetup.conf"));
-    QCOMPARE(DevicePaths::resultDir(), QStringLiteral("/home/brova/brova-rslt/opm"));
-    QCOMPARE(DevicePaths::readerProgram(), QStringLiteral("/usr/local/brova/bin/lumenProbe"));
-    QCOMPARE(DevicePaths::vendorInfoFile(), QStringLiteral("/usr/local/brova/lib/vendor-info.txt"));
+    QCOMPARE(DevicePaths::settingDir(), QString::fromLatin1("/home/Setting"));
+    QCOMPARE(DevicePaths::settingFile(), QString::fromLatin1("/home/Setting/opmSetup.conf"));
+    QCOMPARE(DevicePaths::resultDir(), QString::fromLatin1("/home/brova/brova-rslt/opm"));
+    QCOMPARE(DevicePaths::readerProgram(), QString::fromLatin1("/usr/local/brova/bin/lumenProbe"));
+    QCOMPARE(DevicePaths::vendorInfoFile(), QString::fromLatin1("/usr/local/brova/lib/vendor-info.txt"));
     QCOMPARE(DevicePaths::makeSettingDirCommand(), QByteArray("mkdir /home/Setting"));
     QCOMPARE(DevicePaths::makeResultDirCommand(), QByteArray("mkdir -p /home/brova/brova-rslt/opm"));
     QCOMPARE(DevicePaths::startReaderCommand(), QByteArray("/usr/local/brova/bin/lumenProbe &"));
@@ -32,10 +33,10 @@ void TestDevicePaths::builtFiles_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<bool>("product");
-    QTest::newRow("plug-in") << QStringLiteral(OPM_PRODUCT_PLUGIN_FILE) << true;
-    QTest::newRow("stand-alone program") << QStringLiteral(OPM_PRODUCT_PROGRAM_FILE) << true;
+    QTest::newRow("plug-in") << QString::fromLatin1(OPM_PRODUCT_PLUGIN_FILE) << true;
+    QTest::newRow("stand-alone program") << QString::fromLatin1(OPM_PRODUCT_PROGRAM_FILE) << true;
     // The demo build must show its root, or the scan below could not see one.
-    QTest::newRow("demo plug-in") << QStringLiteral(OPM_DEMO_PLUGIN_FILE) << false;
+    QTest::newRow("demo plug-in") << QString::fromLatin1(OPM_DEMO_PLUGIN_FILE) << false;
 }
 
 void TestDevicePaths::builtFiles()
@@ -50,9 +51,9 @@ void TestDevicePaths::builtFiles()
              "/home/brova/brova-rslt/opm", "/usr/local/brova/bin/lumenProbe",
              "/usr/local/brova/lib/vendor-info.txt", "lumenProbe" })
         QVERIFY2(image.contains(QByteArray(path) + '\0'), path);
-    QCOMPARE(image.contains(OPM_DEMO_ROOT_PATH), !product);
+    QCOMPARE(bool(image.contains(OPM_DEMO_ROOT_PATH)), !product);
     QVERIFY(!image.contains(OPM_READER_STAND_IN_FILE));
 }
 
-QTEST_GUILESS_MAIN(TestDevicePaths)
+OPM_TEST_GUILESS_MAIN(TestDevicePaths)
 #include "tst_devicepaths.moc"

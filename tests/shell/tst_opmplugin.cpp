@@ -113,7 +113,7 @@ void TestOpmPlugin::twoStartsMakeOneWindowAndPage()
     QVERIFY(tabs && qobject_cast<NerioOpm*>(tabs->widget(0))
         && qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
     QCOMPARE(tabs->tabText(0) + '|' + tabs->tabText(1) + '|' + tabs->tabText(2),
-        QStringLiteral("Setup|Result|"));
+        QString::fromLatin1("Setup|Result|"));
     QCOMPARE(tabs->size(), QSize(658, 398));
     QVERIFY(readersSettleAt(*m_root, 1));
 }
@@ -151,10 +151,10 @@ void TestOpmPlugin::instanceIsSingleWithIdentity()
     QVERIFY(expected);
     QCOMPARE(first->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0"),
         static_cast<void*>(expected));
-    QCOMPARE(expected->getPluginID(), QStringLiteral("com.corvaneinc.CommonUtil.NerioOpmPlugin"));
-    QCOMPARE(expected->getPluginName(), QStringLiteral("OpticalPowerMeter"));
-    QCOMPARE(expected->getPluginVersion(), QStringLiteral("1.0"));
-    QCOMPARE(expected->getPluginBuilder(), QStringLiteral("CORVANE"));
+    QCOMPARE(expected->getPluginID(), QString::fromLatin1("com.corvaneinc.CommonUtil.NerioOpmPlugin"));
+    QCOMPARE(expected->getPluginName(), QString::fromLatin1("OpticalPowerMeter"));
+    QCOMPARE(expected->getPluginVersion(), QString::fromLatin1("1.0"));
+    QCOMPARE(expected->getPluginBuilder(), QString::fromLatin1("CORVANE"));
 
     // Once the object is gone the export makes a new one instead of handing out the old.
     delete first;
@@ -175,7 +175,7 @@ void TestOpmPlugin::verificationTextInFunctionAndBuiltFile()
     QCOMPARE(QByteArray(section.data(), int(section.size())), kVerificationText + '\0');
 
     // What the built file exports, as the host calls it.
-    QLibrary module(QStringLiteral(OPM_PLUGIN_FILE));
+    QLibrary module(QString::fromLatin1(OPM_PLUGIN_FILE));
     const auto query
         = reinterpret_cast<const char* (*)()>(module.resolve("qt_plugin_query_verification_data"));
     QVERIFY2(query, qPrintable(module.errorString()));

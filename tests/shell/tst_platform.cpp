@@ -24,7 +24,7 @@ bool operateKeyPad(QWidget* box, const QString& typed, const QString& button, QS
     const bool modal = box->isModal() || box->windowModality() != Qt::NonModal;
     *shown = QStringList(
         { box->windowTitle(), edit->text(), edit->selectedText(), modal ? "modal" : "modeless" })
-                 .join('|');
+                 .join("|");
     QTest::keyClicks(edit, typed);
     for (QPushButton* b : box->findChildren<QPushButton*>()) {
         if (b->text() == button) {
@@ -80,15 +80,15 @@ void TestPlatform::keyPad()
     QFETCH(int, type);
     QFETCH(QString, typed);
     QFETCH(bool, ok);
-    const QString button = ok ? QStringLiteral("OK") : QStringLiteral("Cancel");
-    const QString expected = ok ? typed : QStringLiteral("12.5"); // Cancel: the text as given
+    const QString button = ok ? QString::fromLatin1("OK") : QString::fromLatin1("Cancel");
+    const QString expected = ok ? typed : QString::fromLatin1("12.5"); // Cancel: the text as given
 
-    CLineEdit field(QStringLiteral("12.5"));
+    CLineEdit field(QString::fromLatin1("12.5"));
     field.setSKPType(type);
     field.setRange(-60, 10);
     field.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&field));
-    QSignalSpy edits(&field, &QLineEdit::textEdited);
+    QVERIFY(TestCompat::waitForShown(&field));
+    QSignalSpy edits(&field, SIGNAL(textEdited(QString)));
     QString shown;
     bool operated = false;
     ModalBoxCloser closer;
@@ -100,12 +100,12 @@ void TestPlatform::keyPad()
         result = field.text();
     } else {
         result = CKeyPadFactory::accessKeyPad(
-            QStringLiteral("Minimum"), QStringLiteral("12.5"), type, -60, 10, &field);
+            QString::fromLatin1("Minimum"), QString::fromLatin1("12.5"), type, -60, 10, &field);
     }
     QVERIFY(operated);
     QCOMPARE(closer.count(), 1);
     QCOMPARE(shown.section('|', fromField ? 1 : 0),
-        QStringLiteral("Minimum|12.5|12.5|modal").section('|', fromField ? 1 : 0));
+        QString::fromLatin1("Minimum|12.5|12.5|modal").section('|', fromField ? 1 : 0));
     QCOMPARE(result, expected);
     // The field takes the text on OK and says so once; on Cancel nothing happens.
     QCOMPARE(edits.count(), fromField && ok ? 1 : 0);
@@ -141,7 +141,7 @@ void TestPlatform::e2prom()
     TestDeviceRoot root;
     QVERIFY(root.isValid());
     if (!content.isNull())
-        QVERIFY(root.writeFile(QStringLiteral("/etc/brova/e2prom.txt"), content));
+        QVERIFY(root.writeFile(QString::fromLatin1("/etc/brova/e2prom.txt"), content));
     halmanager::PlatE2PromServ eeprom(deviceRoot());
 
     char macOut[6 + 8];

@@ -32,7 +32,7 @@ void TestReaderControl::initTestCase()
 {
     // The temporary roots are named after the application: blanks, quotes and shell
     // characters in their names must not trouble the commands.
-    QCoreApplication::setApplicationName(QStringLiteral("opm root'$HOME`x`;&"));
+    QCoreApplication::setApplicationName(QString::fromLatin1("opm root'$HOME`x`;&"));
 }
 
 void TestReaderControl::init()
@@ -91,7 +91,7 @@ void TestReaderControl::exitCleanWithNoneRunning()
 void TestReaderControl::standAloneProgramStartsAndKillsReader()
 {
     // A reader of another root, started here: the page's kill must leave it alone.
-    QTemporaryDir other;
+    TestCompat::TempDir other;
     const QString otherReader = other.path() + "/usr/local/brova/bin/lumenProbe";
     QVERIFY(QDir().mkpath(QFileInfo(otherReader).path()));
     QVERIFY(QFile::copy(DevicePaths::readerProgram(), otherReader));
@@ -103,7 +103,7 @@ void TestReaderControl::standAloneProgramStartsAndKillsReader()
     std::unique_ptr<COpmMainPage> page(new COpmMainPage(nullptr));
     page->setGeometry(141, 61, 658, 398);
     page->show();
-    QVERIFY(QTest::qWaitForWindowExposed(page.get()));
+    QVERIFY(TestCompat::waitForShown(page.get()));
     QVERIFY(readersSettleAt(*m_root, 1));
     page.reset();
     QVERIFY(readersSettleAt(*m_root, 0));

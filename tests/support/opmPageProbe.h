@@ -22,7 +22,7 @@
 #include <cstring>
 #include <memory>
 
-using Keys = QMap<QString, QString>;
+using Keys = TestCompat::StringMap;
 
 // A text field of a record, read no further than its width.
 template <size_t N>
@@ -34,7 +34,7 @@ inline QString fieldText(const char (&field)[N])
 // The keys of the first map, with those of the second added or replaced.
 inline Keys with(Keys keys, const Keys& more)
 {
-    for (auto it = more.cbegin(); it != more.cend(); ++it)
+    for (auto it = more.constBegin(); it != more.constEnd(); ++it)
         keys.insert(it.key(), it.value());
     return keys;
 }
@@ -43,7 +43,7 @@ inline Keys with(Keys keys, const Keys& more)
 inline Keys inFile(const Keys& keys)
 {
     Keys file;
-    for (auto it = keys.cbegin(); it != keys.cend(); ++it)
+    for (auto it = keys.constBegin(); it != keys.constEnd(); ++it)
         file.insert("file:" + it.key(), it.value());
     return file;
 }
@@ -51,7 +51,7 @@ inline Keys inFile(const Keys& keys)
 // How a bar reads and where it sits; barFor: a bar given these numbers.
 inline QString barText(const OffsetBar& bar)
 {
-    return QStringLiteral("%1..%2 %3% x%4")
+    return QString::fromLatin1("%1..%2 %3% x%4")
             .arg(bar.minLabel(), bar.maxLabel()).arg(bar.percent()).arg(bar.markerX());
 }
 inline QString barFor(double low, double high, double value)
@@ -108,17 +108,17 @@ struct OpmPageProbe
     // page's timer would.
     static void act(NerioOpm* p, RecordWriter& reader, const QString& steps)
     {
-        for (const QString& text : steps.split(';', Qt::SkipEmptyParts)) {
+        for (const QString& text : steps.split(';', TestCompat::SkipEmptyParts)) {
             const QStringList step = text.simplified().split(' ');
-            const QMap<QString, QAbstractButton*> buttons {
+            const TestCompat::Map<QString, QAbstractButton*> buttons {
                 { "hold", p->m_pHold }, { "save", p->m_pSave }, { "reference", p->m_pReference },
                 { "dBm", p->m_pdBm }, { "mW", p->m_pmW }, { "uW", p->m_puW },
                 { "limits", p->m_pLimits }, { "set", p->m_pReferenceSet },
                 { "cancel", p->m_pReferenceCancel } };
-            const QMap<QString, CComboBox*> selectors {
+            const TestCompat::Map<QString, CComboBox*> selectors {
                 { "wave", p->m_pWaveLength }, { "mode", p->m_pTestMode },
                 { "lossUnit", p->m_pLossMeterUnit } };
-            const QMap<QString, CLineEdit*> fields {
+            const TestCompat::Map<QString, CLineEdit*> fields {
                 { "min", p->m_pMinimum }, { "max", p->m_pMaximum }, { "length", p->m_pLossLength } };
             if (step[0] == "show") {
                 reader.setReading(qPrintable(step[1]), qPrintable(step.value(3, "dBm")),
@@ -129,10 +129,10 @@ struct OpmPageProbe
                 buttons.value(step[1])->click();
             } else if (step[0] == "choose" && selectors.value(step.value(1))) {
                 selectors.value(step[1])->setCurrentIndex(step.value(2).toInt());
-                emit selectors.value(step[1])->activated(step.value(2).toInt());
+                QMetaObject::invokeMethod(selectors.value(step[1]), "activated", Q_ARG(int, step.value(2).toInt()));
             } else if (step[0] == "enter" && fields.value(step.value(1))) {
                 fields.value(step[1])->setText(step.value(2));
-                emit fields.value(step[1])->textEdited(step.value(2));
+                QMetaObject::invokeMethod(fields.value(step[1]), "textEdited", Q_ARG(QString, step.value(2)));
             } else if (step[0] == "type" && fields.value(step.value(1))) {
                 fields.value(step[1])->setText(step.value(2));
             } else if (step[0] == "escape" && p->m_pReferenceDialog) {
@@ -178,7 +178,7 @@ struct OpmPageProbe
                  { "unitButton", p->m_pdBm->text() }, { "caption", p->m_pLimits->text() },
                  { "layout", layout },
                  { "wave", n(p->m_pWaveLength->currentIndex()) + '/' + n(p->m_eWaveLength) },
-                 { "refs", refs.join(' ') }, { "refLabel", p->m_pOpmRefLabel->text() },
+                 { "refs", refs.join(" ") }, { "refLabel", p->m_pOpmRefLabel->text() },
                  { "capture", fieldText(p->m_sOpmRef.value) + '/' + n(p->m_sOpmRef.flag) },
                  { "dialog", p->m_pReferenceDialog ? "open" : "none" },
                  { "mode", n(p->m_pTestMode->currentIndex()) + '/' + n(p->m_eTestMode) },
@@ -222,7 +222,7 @@ inline Keys storedSetup()
             inGroup = line == QLatin1String("[COpmSetup]");
         else if (inGroup && eq > 0)
             keys.insert(line.left(eq).trimmed(),
-                        line.mid(eq + 1).trimmed().remove(QRegularExpression("^\"|\"$")));
+                        line.mid(eq + 1).trimmed().remove(QRegExp("^\"|\"$")));
     }
     return keys;
 }
@@ -230,7 +230,7 @@ inline Keys storedSetup()
 inline QByteArray setupText(const Keys& keys)
 {
     QByteArray text = "[COpmSetup]\n";
-    for (auto it = keys.cbegin(); it != keys.cend(); ++it)
+    for (auto it = keys.constBegin(); it != keys.constEnd(); ++it)
         text += it.key().toUtf8() + '=' + it.value().toUtf8() + '\n';
     return text;
 }
@@ -243,7 +243,7 @@ struct PageFixture
     {
         CBrovaOpmDataEngine::getSingleInstance()->clearAllresultItem();
         if (!settings.isEmpty())
-            root.writeFile(QStringLiteral("/home/Setting/opmSetup.conf"), setupText(settings));
+            root.writeFile(QString::fromLatin1("/home/Setting/opmSetup.conf"), setupText(settings));
         if (build)
             buildPage();
     }
@@ -280,7 +280,7 @@ struct PageFixture
     void verify(const Keys& expected)
     {
         const Keys shown = state();
-        for (auto it = expected.cbegin(); it != expected.cend(); ++it)
+        for (auto it = expected.constBegin(); it != expected.constEnd(); ++it)
             QVERIFY2(shown.contains(it.key()) && shown.value(it.key()) == it.value(),
                      qPrintable(it.key() + ": '" + shown.value(it.key()) + "', expected '" + it.value()
                                 + "'"));

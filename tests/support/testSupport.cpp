@@ -34,11 +34,11 @@ namespace {
 
 // Keys come from a folder's inode and may repeat between folders: take a folder whose key no
 // other suite running beside this one (or a crashed earlier run) holds a segment for.
-std::unique_ptr<QTemporaryDir> folderWithOwnSegment()
+std::unique_ptr<TestCompat::TempDir> folderWithOwnSegment()
 {
-    std::vector<std::unique_ptr<QTemporaryDir>> taken;
+    std::vector<std::unique_ptr<TestCompat::TempDir>> taken;
     for (int attempt = 0; attempt < 64; ++attempt) {
-        std::unique_ptr<QTemporaryDir> dir(new QTemporaryDir);
+        std::unique_ptr<TestCompat::TempDir> dir(new TestCompat::TempDir);
         if (!dir->isValid())
             return dir;
         const key_t key = ftok(QFile::encodeName(dir->path()).constData(), 1);
@@ -106,24 +106,24 @@ bool TestDeviceRoot::installReader(const QString& program) const
 
 bool TestDeviceRoot::installReaderStandIn() const
 {
-    return installReader(QStringLiteral(READER_STAND_IN_PATH));
+    return installReader(QString::fromLatin1(READER_STAND_IN_PATH));
 }
 
 int TestDeviceRoot::readerStarts() const
 {
-    return readFile(QStringLiteral("/reader-starts")).count('\n');
+    return readFile(QString::fromLatin1("/reader-starts")).count('\n');
 }
 
 int TestDeviceRoot::runningReaders() const
 {
     const QString program = QFileInfo(DevicePaths::readerProgram()).canonicalFilePath();
     int running = 0;
-    const QStringList pids = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    const QStringList pids = QDir(QString::fromLatin1("/proc")).entryList(QDir::Dirs);
     for (const QString& pid : pids) {
         bool isPid = false;
         pid.toInt(&isPid);
         if (isPid && !program.isEmpty()
-            && QFileInfo(QStringLiteral("/proc/%1/exe").arg(pid)).canonicalFilePath() == program)
+            && QFileInfo(QString::fromLatin1("/proc/%1/exe").arg(pid)).canonicalFilePath() == program)
             ++running;
     }
     return running;
@@ -159,7 +159,7 @@ void RecordWriter::setRawValue(const char (&bytes)[16])
 
 ModalBoxCloser::ModalBoxCloser(int intervalMs)
 {
-    connect(&m_timer, &QTimer::timeout, this, &ModalBoxCloser::closeActive);
+    connect(&m_timer, SIGNAL(timeout()), this, SLOT(closeActive()));
     m_timer.start(intervalMs);
 }
 
@@ -178,7 +178,7 @@ void ModalBoxCloser::closeActive()
         QStringList texts;
         for (QLabel* label : box->findChildren<QLabel*>())
             texts << label->text();
-        seen.text = texts.join(QLatin1Char('\n'));
+        seen.text = texts.join(QString(QLatin1Char('\n')));
     }
     m_boxes.append(seen);
     // Whatever the handler does or checks, the box must not stay open.
@@ -232,12 +232,12 @@ bool pressKeyPad(QWidget* box, const QString& button)
 bool answerKeyPad(QWidget* box, const QString& entry)
 {
     if (entry.isNull())
-        return pressKeyPad(box, QStringLiteral("Cancel"));
+        return pressKeyPad(box, QString::fromLatin1("Cancel"));
     auto* edit = box->findChild<QLineEdit*>();
     if (!edit)
         return false;
     edit->setText(entry);
-    return pressKeyPad(box, QStringLiteral("OK"));
+    return pressKeyPad(box, QString::fromLatin1("OK"));
 }
 
 TestCompat::TempDir::TempDir()
@@ -246,7 +246,12 @@ TestCompat::TempDir::TempDir()
     if (m_dir.isValid())
         m_path = m_dir.path();
 #else
-    QByteArray name = QFile::encodeName(QDir::tempPath() + QLatin1String("/opmtest-XXXXXX"));
+    // Named after the application, as QTemporaryDir does.
+    QString application = QCoreApplication::applicationName();
+    if (application.isEmpty())
+        application = QString::fromLatin1("qt_temp");
+    QByteArray name =
+        QFile::encodeName(QDir::tempPath() + QLatin1Char('/') + application + QLatin1String("-XXXXXX"));
     if (mkdtemp(name.data()))
         m_path = QFile::decodeName(name);
 #endif

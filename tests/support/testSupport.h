@@ -2,12 +2,12 @@
 #define TESTSUPPORT_H
 
 #include "opmShareRecord.h"
+#include "qtCompat.h"
 
 #include <QByteArray>
 #include <QList>
 #include <QObject>
 #include <QString>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdio>
@@ -42,7 +42,7 @@ public:
     int runningReaders() const;
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestCompat::TempDir> m_dir;
     QByteArray m_previousCwd;
 };
 
@@ -63,6 +63,7 @@ private:
 // Closes every modal box that opens while it lives and records what each one said.
 class ModalBoxCloser : public QObject
 {
+    Q_OBJECT
 public:
     struct Box
     {
@@ -77,9 +78,10 @@ public:
     // What to do with a box instead of just closing it: return true when it was handled.
     std::function<bool(QWidget*)> handler;
 
-private:
+private slots:
     void closeActive();
 
+private:
     QTimer m_timer;
     QList<Box> m_boxes;
 };

@@ -55,7 +55,7 @@ private slots:
 private:
     bool startProbe(const QByteArray& scenario = QByteArray());
     int probeExitCode();
-    void signalProbe(int signal) { ::kill(pid_t(m_probe->processId()), signal); }
+    void signalProbe(int signal) { ::kill(pid_t(TestCompat::processId(*m_probe)), signal); }
     OpmShareRecord* rec() { return m_writer->record(); }
 
     std::unique_ptr<TestDeviceRoot> m_root;
@@ -88,12 +88,12 @@ void TestLumenProbe::cleanup()
 // Starts the reader, playing the given scenario when there is one.
 bool TestLumenProbe::startProbe(const QByteArray& scenario)
 {
-    const QString file = m_root->file(QStringLiteral("/scenario.txt"));
-    if (!scenario.isNull() && !m_root->writeFile(QStringLiteral("/scenario.txt"), scenario))
+    const QString file = m_root->file(QString::fromLatin1("/scenario.txt"));
+    if (!scenario.isNull() && !m_root->writeFile(QString::fromLatin1("/scenario.txt"), scenario))
         return false;
     m_probe.reset(new QProcess);
     m_probe->setWorkingDirectory(m_root->path());
-    m_probe->start(QStringLiteral(LUMENPROBE_PATH),
+    m_probe->start(QString::fromLatin1(LUMENPROBE_PATH),
         scenario.isNull() ? QStringList() : QStringList({ "--scenario", file }));
     return m_probe->waitForStarted(kWaitMs);
 }
@@ -108,16 +108,16 @@ int TestLumenProbe::probeExitCode()
 void TestLumenProbe::writesLiveReading()
 {
     QVERIFY(startProbe());
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
-    QCOMPARE(rec()->pid, int32_t(m_probe->processId()));
+    OPM_TRY_COMPARE(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
+    QCOMPARE(rec()->pid, int32_t(TestCompat::processId(*m_probe)));
     const OpmShareRecord seen = *rec(); // the value changes while we look
     const QByteArray first = text(seen.value);
     QCOMPARE(fields(&seen), "850|dBm|" + first + "|1|0|SIM-OPM-1");
     // "%.2f"; multimode at 850 nm over a few kilometres: well below the source, far above the
     // floor.
-    QVERIFY2(QRegularExpression(QStringLiteral("^-(9|1\\d)\\.\\d\\d$")).match(first).hasMatch(),
+    QVERIFY2(TestCompat::containsMatch(QRegExp("^-(9|1\\d)\\.\\d\\d$"), first),
         first.constData());
-    QTRY_VERIFY_WITH_TIMEOUT(text(rec()->value) != first, kWaitMs);
+    OPM_TRY_VERIFY(text(rec()->value) != first, kWaitMs);
 }
 
 void TestLumenProbe::followsTarget_data()
@@ -135,30 +135,30 @@ void TestLumenProbe::followsTarget()
     QFETCH(int, target);
     rec()->wavelenthTarget = initial;
     QVERIFY(startProbe());
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
+    OPM_TRY_COMPARE(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
     QCOMPARE(text(rec()->wavelenth), QByteArray(kWavelengths[initial < 5 ? initial : 0]));
 
     rec()->wavelenthTarget = target;
-    QTRY_COMPARE_WITH_TIMEOUT(text(rec()->wavelenth), QByteArray(kWavelengths[target]), kWaitMs);
+    OPM_TRY_COMPARE(text(rec()->wavelenth), QByteArray(kWavelengths[target]), kWaitMs);
     // The value follows its wavelength in the same write: single-mode links lose far less.
     const double low = target == 0 ? -20 : -8;
     const double high = target == 0 ? -8 : -3;
     auto value = [this] { return text(rec()->value).toDouble(); };
-    QTRY_VERIFY2_WITH_TIMEOUT(
+    OPM_TRY_VERIFY2(
         value() > low && value() < high, text(rec()->value).constData(), kWaitMs);
 }
 
 void TestLumenProbe::saveKeySetsNeedSave()
 {
     QVERIFY(startProbe());
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
+    OPM_TRY_COMPARE(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
     QCOMPARE(rec()->needSave, 0);
     signalProbe(SIGUSR1);
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->needSave, 1, kWaitMs);
+    OPM_TRY_COMPARE(rec()->needSave, 1, kWaitMs);
     // The page clears the request; the next key press asks again.
     rec()->needSave = 0;
     signalProbe(SIGUSR1);
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->needSave, 1, kWaitMs);
+    OPM_TRY_COMPARE(rec()->needSave, 1, kWaitMs);
 }
 
 void TestLumenProbe::togglesState_data()
@@ -174,12 +174,12 @@ void TestLumenProbe::togglesState()
     QFETCH(int, signal);
     QFETCH(int, flagOn);
     QVERIFY(startProbe());
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
+    OPM_TRY_COMPARE(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
     signalProbe(signal);
-    QTRY_COMPARE_WITH_TIMEOUT(text(rec()->value), QByteArray("---.--"), kWaitMs);
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->flag, int32_t(flagOn), kWaitMs);
+    OPM_TRY_COMPARE(text(rec()->value), QByteArray("---.--"), kWaitMs);
+    OPM_TRY_COMPARE(rec()->flag, int32_t(flagOn), kWaitMs);
     signalProbe(signal);
-    QTRY_VERIFY_WITH_TIMEOUT(
+    OPM_TRY_VERIFY(
         rec()->flag == OpmFlagReading && text(rec()->value) != "---.--", kWaitMs);
     QVERIFY(text(rec()->value).toDouble() < -3);
 }
@@ -195,14 +195,14 @@ void TestLumenProbe::endsCleanly()
 {
     QFETCH(int, signal);
     QVERIFY(startProbe());
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
+    OPM_TRY_COMPARE(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
     signalProbe(signal);
     QCOMPARE(probeExitCode(), 0);
     QCOMPARE(rec()->flag, int32_t(OpmFlagNoReading));
     // The segment stays for the page: not marked for removal.
     struct shmid_ds info;
     QCOMPARE(shmctl(shmget(ftok(".", 1), 0, 0), IPC_STAT, &info), 0);
-    QCOMPARE(info.shm_perm.mode & SHM_DEST, 0);
+    QCOMPARE(int(info.shm_perm.mode & SHM_DEST), 0);
 }
 
 void TestLumenProbe::playsScenario()
@@ -215,10 +215,10 @@ void TestLumenProbe::playsScenario()
                        "\n"
                        "3000   unit=dB value=\" 3.50\" needSave=1 wavelenth=1625  # relative\n"
                        "3500 end\n"));
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
-    QCOMPARE(rec()->pid, int32_t(m_probe->processId()));
+    OPM_TRY_COMPARE(rec()->flag, int32_t(OpmFlagReading), kWaitMs);
+    QCOMPARE(rec()->pid, int32_t(TestCompat::processId(*m_probe)));
     QCOMPARE(fields(rec()), QByteArray("1310|dBm|-7.50|1|0|SCN \"1\""));
-    QTRY_COMPARE_WITH_TIMEOUT(rec()->needSave, 1, kWaitMs);
+    OPM_TRY_COMPARE(rec()->needSave, 1, kWaitMs);
     QCOMPARE(fields(rec()), QByteArray("1625|dB| 3.50|1|1|SCN \"1\""));
 
     QCOMPARE(probeExitCode(), 0);
@@ -246,5 +246,5 @@ void TestLumenProbe::survivesHostileScenario()
     QCOMPARE(fields(rec()), QByteArray("||-1.00|0|0|ABCDEFGHIJKLMNO"));
 }
 
-QTEST_GUILESS_MAIN(TestLumenProbe)
+OPM_TEST_GUILESS_MAIN(TestLumenProbe)
 #include "tst_lumenprobe.moc"

@@ -1,6 +1,8 @@
 // The shell stand-in run as the program it is: it refuses a plug-in file whose verification
 // text is not the set's, or that is cut short, takes the demo plug-in, and presses the keys it
 // is told to.
+#include "qtCompat.h"
+
 #include <QtTest>
 
 class TestShellStandIn : public QObject
@@ -17,7 +19,7 @@ private slots:
 private:
     int runShell(const QStringList& arguments);
 
-    QTemporaryDir m_dir;
+    TestCompat::TempDir m_dir;
     QString m_out;
     QString m_err;
 };
@@ -27,7 +29,7 @@ int TestShellStandIn::runShell(const QStringList& arguments)
 {
     QProcess shell;
     shell.setWorkingDirectory(m_dir.path());
-    shell.start(QStringLiteral(OPMSHELL_PATH), arguments);
+    shell.start(QString::fromLatin1(OPMSHELL_PATH), arguments);
     const bool ended = shell.waitForFinished(30000) && shell.exitStatus() == QProcess::NormalExit;
     m_out = QString::fromLocal8Bit(shell.readAllStandardOutput());
     m_err = QString::fromLocal8Bit(shell.readAllStandardError());
@@ -50,33 +52,33 @@ void TestShellStandIn::refusesPlugin()
     QFETCH(QString, reason);
     if (plugin.isEmpty()) {
         // The demo plug-in without its second half, where the section table lies.
-        QFile demo(QStringLiteral(DEMO_PLUGIN_PATH));
+        QFile demo(QString::fromLatin1(DEMO_PLUGIN_PATH));
         QVERIFY(demo.open(QIODevice::ReadOnly));
-        QFile cut(plugin = m_dir.filePath(QStringLiteral("cut.so")));
+        QFile cut(plugin = m_dir.filePath(QString::fromLatin1("cut.so")));
         QVERIFY(cut.open(QIODevice::WriteOnly));
         QVERIFY(cut.write(demo.read(demo.size() / 2)) == demo.size() / 2);
     }
 
-    QCOMPARE(runShell({ QStringLiteral("--plugin"), plugin }), 1);
+    QCOMPARE(runShell({ QString::fromLatin1("--plugin"), plugin }), 1);
     QVERIFY2(
-        m_err.contains(QStringLiteral("refused")) && m_err.contains(reason), qPrintable(m_err));
-    QVERIFY(!m_out.contains(QStringLiteral("loaded")));
+        m_err.contains(QString::fromLatin1("refused")) && m_err.contains(reason), qPrintable(m_err));
+    QVERIFY(!m_out.contains(QString::fromLatin1("loaded")));
 }
 
 void TestShellStandIn::acceptsDemoPlugin()
 {
-    const int exitCode = runShell({ QStringLiteral("--plugin"), QStringLiteral(DEMO_PLUGIN_PATH),
-        QStringLiteral("--key-at"), QStringLiteral("0.1:ctrl+tab"), QStringLiteral("--quit-after"),
-        QStringLiteral("0.2") });
+    const int exitCode = runShell({ QString::fromLatin1("--plugin"), QString::fromLatin1(DEMO_PLUGIN_PATH),
+        QString::fromLatin1("--key-at"), QString::fromLatin1("0.1:ctrl+tab"), QString::fromLatin1("--quit-after"),
+        QString::fromLatin1("0.2") });
     QVERIFY2(exitCode == 0, qPrintable(m_err));
     for (const char* identity : { "id:      com.corvaneinc.CommonUtil.NerioOpmPlugin",
              "name:    OpticalPowerMeter", "version: 1.0", "builder: CORVANE" })
         QVERIFY2(m_out.contains(QLatin1String(identity)), qPrintable(m_out));
     // Never started: stop refuses, terminate still runs.
     QVERIFY2(
-        m_out.contains(QStringLiteral("stop -> false\nopmshell: terminate")), qPrintable(m_out));
+        m_out.contains(QString::fromLatin1("stop -> false\nopmshell: terminate")), qPrintable(m_out));
     // No plug-in window yet: the frame itself has the key.
-    QVERIFY2(m_out.contains(QStringLiteral("key Ctrl+Tab -> ShellFrame")), qPrintable(m_out));
+    QVERIFY2(m_out.contains(QString::fromLatin1("key Ctrl+Tab -> ShellFrame")), qPrintable(m_out));
 }
 
 void TestShellStandIn::refusesKey_data()
@@ -90,18 +92,18 @@ void TestShellStandIn::refusesKey_data()
 void TestShellStandIn::refusesKey()
 {
     QFETCH(QString, keyAt);
-    QCOMPARE(runShell({ QStringLiteral("--plugin"), QStringLiteral(DEMO_PLUGIN_PATH),
-                 QStringLiteral("--key-at"), keyAt }),
+    QCOMPARE(runShell({ QString::fromLatin1("--plugin"), QString::fromLatin1(DEMO_PLUGIN_PATH),
+                 QString::fromLatin1("--key-at"), keyAt }),
         2);
-    QVERIFY2(m_err.contains(QStringLiteral("bad --key-at")), qPrintable(m_err));
+    QVERIFY2(m_err.contains(QString::fromLatin1("bad --key-at")), qPrintable(m_err));
 }
 
 // Asked for before there is an application object or a display.
 void TestShellStandIn::helpNamesKeyAt()
 {
-    QCOMPARE(runShell({ QStringLiteral("--help") }), 0);
-    QVERIFY2(m_out.contains(QStringLiteral("--key-at <seconds:key>")), qPrintable(m_out));
+    QCOMPARE(runShell({ QString::fromLatin1("--help") }), 0);
+    QVERIFY2(m_out.contains(QString::fromLatin1("--key-at <seconds:key>")), qPrintable(m_out));
 }
 
-QTEST_GUILESS_MAIN(TestShellStandIn)
+OPM_TEST_GUILESS_MAIN(TestShellStandIn)
 #include "tst_shellstandin.moc"
