@@ -24,7 +24,11 @@ void start()
     static char name[] = "opmfuzz";
     static char* argv[] = { name, nullptr };
     // Left alive at exit: the harnesses' pages outlive every static.
+#ifdef Q_WS_QWS
+    new QApplication(argc, argv, QApplication::GuiServer); // its own display server
+#else
     new QApplication(argc, argv);
+#endif
     root();
     new ModalBoxCloser;
 }

@@ -18,7 +18,7 @@ void writeSettingFile(const uint8_t* data, size_t size)
 {
     static time_t s_stamp = 1000000000;
     const QByteArray content(reinterpret_cast<const char*>(data), int(size));
-    if (!FuzzSupport::root().writeFile(QString("/home/Setting/opmSetup.conf"), content))
+    if (!FuzzSupport::root().writeFile(QString::fromLatin1("/home/Setting/opmSetup.conf"), content))
         qFatal("cannot write the settings file");
     ++s_stamp;
     const struct utimbuf times = { s_stamp, s_stamp };

@@ -61,9 +61,9 @@ QString stepsFor(const PageState& s)
 {
     static const char* const units[] = { "dBm", "mW", "uW", "dBm" };
     QStringList steps;
-    steps << QString("choose mode %1").arg(int(s.loss))
-          << QString("click %1").arg(units[s.unit])
-          << QString("choose lossUnit %1").arg(s.lossUnit == 3 ? 0 : s.lossUnit)
+    steps << QString::fromLatin1("choose mode %1").arg(int(s.loss))
+          << QString::fromLatin1("click %1").arg(units[s.unit])
+          << QString::fromLatin1("choose lossUnit %1").arg(s.lossUnit == 3 ? 0 : s.lossUnit)
           << "type min " + number(s.min) << "type max " + number(s.max);
     if (g_limits->isChecked())
         steps << "click limits";
@@ -71,9 +71,9 @@ QString stepsFor(const PageState& s)
     if (!s.limits)
         steps << "click limits";
     const bool lengthFits = s.length > 0.0f && s.length <= 99999.0f;
-    steps << "enter length " + (lengthFits ? number(s.length) : QString("1"));
+    steps << "enter length " + (lengthFits ? number(s.length) : QString::fromLatin1("1"));
     steps << (s.hold ? "click hold; tick; click hold" : "tick");
-    return steps.join(';');
+    return steps.join(";");
 }
 
 void fillStore(int count)

@@ -4,15 +4,35 @@
 # Without a display it runs headless through an operator's story (four readings saved by the
 # reader's save key, the F1 report named on the keypad, the Result tab), writes screenshots
 # into a folder it names, checks that the report was written and quits.
-#   BUILD_DIR   build folder (default: ./build of the checkout)
+# With --qt4 it builds against Qt 4.8.4, the set's toolkit (../shared/qt4, or QT4_DIR), in
+# build-qt4/, and the shell stand-in loads the plug-in through Qt 4's QPluginLoader; headless
+# it runs under xvfb-run, as Qt 4 has no offscreen platform.
+#   BUILD_DIR   build folder (default: ./build of the checkout, ./build-qt4 with --qt4)
 set -euo pipefail
 
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+qt4=false
+[[ ${1:-} == --qt4 ]] && qt4=true
 build_dir=${BUILD_DIR:-$source_dir/build}
+$qt4 && build_dir=${BUILD_DIR:-$source_dir/build-qt4}
 build_dir=$(mkdir -p "$build_dir" && cd "$build_dir" && pwd)
 
 bash "$source_dir/scripts/setup.sh"
-cmake -S "$source_dir" -B "$build_dir" >/dev/null
+configure=(-DOPM_QT=5)
+# How the shell stand-in runs without a display, and with one.
+headless=(env QT_QPA_PLATFORM=offscreen)
+shown=(env)
+if $qt4; then
+    source "$source_dir/scripts/qt4.sh"
+    if ! qt4_unpack "$build_dir" qt-4.8.4-x86_64.tar.xz qt-4.8.4 "${QT4_DIR:-}"; then
+        echo "demo: no Qt 4.8.4: $qt4_missing" >&2
+        exit 1
+    fi
+    configure=(-DOPM_QT=4 "-DQT_QMAKE_EXECUTABLE=$qt4_dir/bin/qmake")
+    shown=(env "LD_LIBRARY_PATH=$qt4_dir/lib")
+    headless=("${shown[@]}" xvfb-run -a -s "-screen 0 1024x768x24")
+fi
+cmake -S "$source_dir" -B "$build_dir" "${configure[@]}" >/dev/null
 cmake --build "$build_dir" -j "$(nproc 2>/dev/null || echo 2)"
 
 source "$source_dir/scripts/demoRoot.sh"
@@ -70,7 +90,7 @@ if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
     helpers+=($!)
     # Four saved readings, then F1: the keypad proposes a name, the operator types "route-7"
     # and confirms; Ctrl+Tab opens the Result tab.
-    QT_QPA_PLATFORM=offscreen "$shell" --plugin "$plugin" --autostart \
+    "${headless[@]}" "$shell" --plugin "$plugin" --autostart \
         --screenshot-at "2:$screens/1-started.png" \
         --screenshot-at "5.9:$screens/2-saved-850.png" \
         --screenshot-at "11.5:$screens/3-saved-1550.png" \
@@ -90,5 +110,5 @@ if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
     echo "demo: report $report"
     echo "demo: screenshots in $screens"
 else
-    "$shell" --plugin "$plugin" --autostart
+    "${shown[@]}" "$shell" --plugin "$plugin" --autostart
 fi

@@ -10,6 +10,11 @@ packages=(
     psmisc              # killall, used to stop the power reader
     procps
     python3-html5lib    # the report test reads reports back as a browser would
+    # Qt 4.8.4 from ../shared/qt4: its run-time libraries, and a headless X server for it
+    xz-utils xvfb xauth
+    libx11-6 libxext6 libxrender1 libsm6 libice6 libfontconfig1 libfreetype6 libpng16-16 zlib1g
+    # the set build: 32-bit x86 with g++, checked with readelf, nm and objcopy
+    g++-multilib binutils
     "$@"
 )
 

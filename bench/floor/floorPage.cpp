@@ -56,13 +56,13 @@ CFloorPage::CFloorPage(int widgetCount, QWidget* parent) : QWidget(parent)
     // Above the live widgets, so that no tick repaints a caption.
     addFillers(widgetCount - 4); // the page, the two labels and the bar
     m_pTimer = new QTimer(this);
-    connect(m_pTimer, &QTimer::timeout, this, &CFloorPage::tick);
+    connect(m_pTimer, SIGNAL(timeout()), this, SLOT(tick()));
 }
 
 void CFloorPage::addFillers(int count)
 {
     for (int i = 0; i < count; ++i) {
-        auto* label = new QLabel(QStringLiteral("Caption %1").arg(i), this);
+        auto* label = new QLabel(QString::fromLatin1("Caption %1").arg(i), this);
         const int column = i % kFillerColumns;
         const int row = i / kFillerColumns;
         label->setGeometry(column * kFillerWidth, row * kFillerHeight, kFillerWidth, kFillerHeight);

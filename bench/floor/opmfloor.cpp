@@ -9,7 +9,7 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     int widgets = CFloorPage::kDefaultWidgetCount;
     const QStringList arguments = QCoreApplication::arguments();
-    const int at = arguments.indexOf(QStringLiteral("--widgets"));
+    const int at = arguments.indexOf(QString::fromLatin1("--widgets"));
     if (at > 0)
         widgets = arguments.value(at + 1).toInt();
     CFloorPage page(widgets);

@@ -125,6 +125,11 @@ void TestOffsetBar::repaint()
     QFETCH(QString, before);
     QFETCH(QString, after);
     QFETCH(QString, repainted);
+#ifdef Q_WS_QWS
+    // The embedded display server places a new window later and repaints it on its own
+    // schedule; the repaints hold for a window system's windows.
+    OPM_SKIP("repaints are counted on X11 and offscreen windows only");
+#endif
     const QStringList b = before.split(' '), a = after.split(' ');
 
     OffsetBar bar;

@@ -245,7 +245,7 @@ void TestReport::names()
 
     QCOMPARE(fx.closer.count(), 1);
     QVERIFY(fx.closer.boxes().first().startsWith("Save Opm Result:"));
-    QCOMPARE(output.contains("opm create save result file error \n"), file.isEmpty());
+    QCOMPARE(bool(output.contains("opm create save result file error \n")), file.isEmpty());
     const QString format("yyyyMMdd-hhmmss");
     const QStringList first(QString(file).replace("%STAMP%", fx.before.toString(format)));
     const QStringList last(QString(file).replace("%STAMP%", fx.after.toString(format)));

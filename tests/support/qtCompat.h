@@ -38,19 +38,23 @@ inline bool waitForShown(QWidget* widget)
 #endif
 }
 
-// Removes a folder and everything below it.
+// Removes a folder and everything below it; true when there is no folder (a file stays), as
+// QDir::removeRecursively.
 inline bool removeRecursively(const QString& path)
 {
 #if QT_VERSION >= 0x050000
     return QDir(path).removeRecursively();
 #else
-    const QFileInfo info(path);
-    if (!info.isDir() || info.isSymLink())
-        return QFile::remove(path);
+    if (!QFileInfo(path).isDir())
+        return true;
     const QFileInfoList entries = QDir(path).entryInfoList(
         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (int i = 0; i < entries.size(); ++i) {
-        if (!removeRecursively(entries.at(i).absoluteFilePath()))
+        const QFileInfo& entry = entries.at(i);
+        const bool removed = entry.isDir() && !entry.isSymLink()
+            ? removeRecursively(entry.absoluteFilePath())
+            : QFile::remove(entry.absoluteFilePath());
+        if (!removed)
             return false;
     }
     return QDir().rmdir(path);
@@ -93,5 +97,12 @@ private:
             QTest::qWait(10);                                                                      \
         QCOMPARE(expr, expected);                                                                  \
     } while (0)
+
+// QSKIP, which takes a second argument in Qt 4.
+#if QT_VERSION >= 0x050000
+#define OPM_SKIP(message) QSKIP(message)
+#else
+#define OPM_SKIP(message) QSKIP(message, SkipAll)
+#endif
 
 #endif // QTCOMPAT_H

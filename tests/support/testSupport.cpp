@@ -274,7 +274,12 @@ TestCompat::TempDir::TempDir()
     if (m_dir.isValid())
         m_path = m_dir.path();
 #else
-    QByteArray name = QFile::encodeName(QDir::tempPath() + QLatin1String("/opmtest-XXXXXX"));
+    // Named after the application, as QTemporaryDir does.
+    QString application = QCoreApplication::applicationName();
+    if (application.isEmpty())
+        application = QString::fromLatin1("qt_temp");
+    QByteArray name =
+        QFile::encodeName(QDir::tempPath() + QLatin1Char('/') + application + QLatin1String("-XXXXXX"));
     if (mkdtemp(name.data()))
         m_path = QFile::decodeName(name);
 #endif

@@ -6,6 +6,7 @@
 #include "utilinterface.h"
 
 #include <QApplication>
+#include <QKeySequence>
 #include <QSocketNotifier>
 #include <QStringList>
 #include <QTimer>
@@ -18,6 +19,66 @@
 namespace {
 
 int g_signalPipe[2] = { -1, -1 };
+
+// Reads the byte a signal handler wrote and quits, inside the event loop.
+class SignalQuitter : public QObject
+{
+    Q_OBJECT
+public:
+    explicit SignalQuitter(QApplication* app) : QObject(app), m_app(app) { }
+
+public slots:
+    void onSignal()
+    {
+        char byte;
+        const ssize_t got = read(g_signalPipe[1], &byte, 1);
+        (void)got;
+        m_app->quit();
+    }
+
+private:
+    QApplication* m_app;
+};
+
+// Qt 4's timers are all precise; Qt 5's coarse ones may be 5 % late, enough to swap a key and a
+// screenshot.
+void singleShot(int ms, QObject* receiver, const char* slot)
+{
+#if QT_VERSION >= 0x050000
+    QTimer::singleShot(ms, Qt::PreciseTimer, receiver, slot);
+#else
+    QTimer::singleShot(ms, receiver, slot);
+#endif
+}
+
+// One timed screenshot or key press of the command line.
+class TimedAction : public QObject
+{
+    Q_OBJECT
+public:
+    TimedAction(double seconds, ShellFrame* frame) : QObject(frame), m_frame(frame)
+    {
+        singleShot(int(seconds * 1000.0 + 0.5), this, SLOT(onTime()));
+    }
+
+    QString screenshot;
+    QKeySequence key;
+    static bool s_screenshotsSaved;
+
+private slots:
+    void onTime()
+    {
+        if (!screenshot.isEmpty())
+            s_screenshotsSaved = m_frame->saveScreenshot(screenshot) && s_screenshotsSaved;
+        else
+            m_frame->pressKey(key);
+    }
+
+private:
+    ShellFrame* m_frame;
+};
+
+bool TimedAction::s_screenshotsSaved = true;
 
 void onQuitSignal(int)
 {
@@ -32,12 +93,7 @@ void quitOnSignals(QApplication* app)
     if (socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) != 0)
         return;
     auto* notifier = new QSocketNotifier(g_signalPipe[1], QSocketNotifier::Read, app);
-    QObject::connect(notifier, &QSocketNotifier::activated, app, [app] {
-        char byte;
-        const ssize_t got = read(g_signalPipe[1], &byte, 1);
-        (void)got;
-        app->quit();
-    });
+    QObject::connect(notifier, SIGNAL(activated(int)), new SignalQuitter(app), SLOT(onSignal()));
     struct sigaction action = {};
     action.sa_handler = onQuitSignal;
     sigemptyset(&action.sa_mask);
@@ -87,8 +143,13 @@ int main(int argc, char** argv)
     }
     // Qt gets no options of ours; its own settings come from the environment (QT_QPA_PLATFORM).
     int qtArgc = 1;
+#ifdef Q_WS_QWS
+    // Qt for Embedded Linux, as on the set: the shell is its own display server.
+    QApplication app(qtArgc, argv, QApplication::GuiServer);
+#else
     QApplication app(qtArgc, argv);
-    app.setApplicationName(QStringLiteral("opmshell"));
+#endif
+    app.setApplicationName(QString::fromLatin1("opmshell"));
     PluginLoader loader(options.plugin);
     if (!loader.load()) {
         std::fprintf(stderr, "opmshell: plug-in %s refused: %s\n", qPrintable(options.plugin),
@@ -98,32 +159,25 @@ int main(int argc, char** argv)
     printIdentity(options.plugin, loader.utilInterface());
     quitOnSignals(&app);
 
-    bool screenshotsSaved = true;
     int status = 0;
     {
         ShellFrame frame(loader.rootObject(), loader.utilInterface());
         frame.move(0, 0);
         frame.show();
-        QObject::connect(&app, &QCoreApplication::aboutToQuit, &frame, &ShellFrame::shutdownPlugin);
+        QObject::connect(&app, SIGNAL(aboutToQuit()), &frame, SLOT(shutdownPlugin()));
         if (options.autostart)
-            QTimer::singleShot(0, &frame, &ShellFrame::startPlugin);
-        // Precise timers: coarse ones may be 5 % late, enough to swap a key and a screenshot.
-        for (const ShellOptions::Screenshot& shot : options.screenshots) {
-            QTimer::singleShot(milliseconds(shot.seconds), Qt::PreciseTimer, &frame,
-                [&frame, &screenshotsSaved, shot] {
-                    screenshotsSaved = frame.saveScreenshot(shot.file) && screenshotsSaved;
-                });
-        }
-        for (const ShellOptions::KeyPress& press : options.keys) {
-            QTimer::singleShot(milliseconds(press.seconds), Qt::PreciseTimer, &frame,
-                [&frame, press] { frame.pressKey(press.key); });
-        }
+            QTimer::singleShot(0, &frame, SLOT(startPlugin()));
+        for (const ShellOptions::Screenshot& shot : options.screenshots)
+            (new TimedAction(shot.seconds, &frame))->screenshot = shot.file;
+        for (const ShellOptions::KeyPress& press : options.keys)
+            (new TimedAction(press.seconds, &frame))->key = press.key;
         if (options.quitAfter >= 0)
-            QTimer::singleShot(
-                milliseconds(options.quitAfter), Qt::PreciseTimer, &app, &QCoreApplication::quit);
+            singleShot(milliseconds(options.quitAfter), &app, SLOT(quit()));
         status = app.exec();
     }
     // The frame, and with it the plug-in's window, has gone; the root object goes last.
     delete loader.rootObject();
-    return status != 0 ? status : (screenshotsSaved ? 0 : 3);
+    return status != 0 ? status : (TimedAction::s_screenshotsSaved ? 0 : 3);
 }
+
+#include "main.moc"

@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QObject>
+#include <QPluginLoader>
 
 #include <cstring>
 #include <string>
@@ -42,13 +43,13 @@ bool PluginLoader::checkSection(QByteArray* text)
     std::vector<char> bytes;
     std::string reason;
     if (!PluginVerify::readElfSection(
-            QFile::encodeName(m_library.fileName()).toStdString(), kSectionName, &bytes, &reason))
-        return fail(QStringLiteral("cannot read the verification section: %1")
+            std::string(QFile::encodeName(m_library.fileName()).constData()), kSectionName, &bytes, &reason))
+        return fail(QString::fromLatin1("cannot read the verification section: %1")
                         .arg(QString::fromStdString(reason)));
     const std::string found = PluginVerify::sectionText(bytes.data(), bytes.size());
     if (!PluginVerify::checkVerificationText(found, &reason))
         return fail(
-            QStringLiteral("verification section refused: %1").arg(QString::fromStdString(reason)));
+            QString::fromLatin1("verification section refused: %1").arg(QString::fromStdString(reason)));
     *text = QByteArray(found.data(), int(found.size()));
     return true;
 }
@@ -56,36 +57,45 @@ bool PluginLoader::checkSection(QByteArray* text)
 bool PluginLoader::checkFunction(const QByteArray& sectionText)
 {
     if (!m_library.load())
-        return fail(QStringLiteral("cannot load the library: %1").arg(m_library.errorString()));
+        return fail(QString::fromLatin1("cannot load the library: %1").arg(m_library.errorString()));
     auto query = reinterpret_cast<QueryVerificationData>(
         m_library.resolve("qt_plugin_query_verification_data"));
     if (!query)
-        return fail(QStringLiteral("no qt_plugin_query_verification_data export"));
+        return fail(QString::fromLatin1("no qt_plugin_query_verification_data export"));
     const char* data = query();
     if (!data)
-        return fail(QStringLiteral("qt_plugin_query_verification_data returned nothing"));
+        return fail(QString::fromLatin1("qt_plugin_query_verification_data returned nothing"));
     const std::string text(data, strnlen(data, PluginVerify::kMaxSectionSize));
     std::string reason;
     if (!PluginVerify::checkVerificationText(text, &reason))
         return fail(
-            QStringLiteral("verification data refused: %1").arg(QString::fromStdString(reason)));
+            QString::fromLatin1("verification data refused: %1").arg(QString::fromStdString(reason)));
     if (QByteArray(text.data(), int(text.size())) != sectionText)
-        return fail(QStringLiteral("the verification data and the .qtplugin section differ"));
+        return fail(QString::fromLatin1("the verification data and the .qtplugin section differ"));
     return true;
 }
 
 bool PluginLoader::resolveInterface()
 {
+#if QT_VERSION >= 0x050000
+    // Qt 5's own loader cannot take a Qt 4-style plug-in: the root object is asked for here.
     auto instance = reinterpret_cast<PluginInstance>(m_library.resolve("qt_plugin_instance"));
     if (!instance)
-        return fail(QStringLiteral("no qt_plugin_instance export"));
+        return fail(QString::fromLatin1("no qt_plugin_instance export"));
     m_root = instance();
+#else
+    // The set's own way in, with Qt 4's checks of version, build key and instance.
+    QPluginLoader pluginLoader(m_library.fileName());
+    m_root = pluginLoader.instance();
     if (!m_root)
-        return fail(QStringLiteral("qt_plugin_instance returned no object"));
+        return fail(QString::fromLatin1("QPluginLoader: %1").arg(pluginLoader.errorString()));
+#endif
+    if (!m_root)
+        return fail(QString::fromLatin1("qt_plugin_instance returned no object"));
     if (!utilInterface())
-        return fail(QStringLiteral("root object %1 does not implement %2")
+        return fail(QString::fromLatin1("root object %1 does not implement %2")
                         .arg(QString::fromLatin1(m_root->metaObject()->className()),
-                            QStringLiteral(UtilInterface_iid)));
+                            QString::fromLatin1(UtilInterface_iid)));
     return true;
 }
 

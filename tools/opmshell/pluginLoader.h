@@ -10,7 +10,8 @@ class UtilInterface;
 
 // Loads an application plug-in as the set's shell does: the verification text must be in the
 // file's .qtplugin section and behind qt_plugin_query_verification_data, the same in both and
-// matching the shell's Qt version and build key; only then is the root object asked for.
+// matching the shell's Qt version and build key; only then is the root object asked for, built
+// with Qt 4 through QPluginLoader as on the set.
 class PluginLoader
 {
 public:

@@ -41,7 +41,7 @@ QLabel* titleLabel(const QString& text, int pointSize, QWidget* parent)
 
 QString boolText(bool value)
 {
-    return value ? QStringLiteral("true") : QStringLiteral("false");
+    return value ? QString::fromLatin1("true") : QString::fromLatin1("false");
 }
 
 // What a keyboard would type with that key: printable ASCII, letters small without Shift.
@@ -54,6 +54,15 @@ QString keyText(int key, Qt::KeyboardModifiers modifiers)
     return modifiers & Qt::ShiftModifier ? QString(typed) : QString(typed.toLower());
 }
 
+QPixmap grabOf(QWidget* widget)
+{
+#if QT_VERSION >= 0x050000
+    return widget->grab();
+#else
+    return QPixmap::grabWidget(widget);
+#endif
+}
+
 } // namespace
 
 ShellFrame::ShellFrame(QObject* pluginRoot, UtilInterface* plugin, QWidget* parent)
@@ -64,14 +73,14 @@ ShellFrame::ShellFrame(QObject* pluginRoot, UtilInterface* plugin, QWidget* pare
     setFixedSize(CWidgetStyle::getScreenRegion(CWidgetStyle::Screen).size());
     // The one-pixel gaps between the regions show this darker shade as dividing lines.
     setBackground(this, CWidgetStyle::getColor(CWidgetStyle::PanelBackground).darker(200));
-    setWindowTitle(plugin ? plugin->getPluginName() : QStringLiteral("opmshell"));
+    setWindowTitle(plugin ? plugin->getPluginName() : QString::fromLatin1("opmshell"));
     buildTitleBar();
     buildSidePanel();
     buildStatusBar();
     buildWorkArea();
     updateClock();
     auto* clockTimer = new QTimer(this);
-    connect(clockTimer, &QTimer::timeout, this, &ShellFrame::updateClock);
+    connect(clockTimer, SIGNAL(timeout()), this, SLOT(updateClock()));
     clockTimer->start(1000);
 }
 
@@ -89,7 +98,7 @@ void ShellFrame::buildTitleBar()
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(16, 0, 16, 0);
     const QString name = isAlive()
-        ? QStringLiteral("%1  %2").arg(m_plugin->getPluginName(), m_plugin->getPluginVersion())
+        ? QString::fromLatin1("%1  %2").arg(m_plugin->getPluginName(), m_plugin->getPluginVersion())
         : QString();
     layout->addWidget(titleLabel(name, 16, bar));
     layout->addStretch();
@@ -102,15 +111,15 @@ void ShellFrame::buildSidePanel()
     struct Key
     {
         const char* caption;
-        void (ShellFrame::*call)();
+        const char* slot;
     };
     static const Key keys[] = {
-        { "Start", &ShellFrame::startPlugin },
-        { "Stop", &ShellFrame::stopPlugin },
-        { "Show", &ShellFrame::showPlugin },
-        { "Hide", &ShellFrame::hidePlugin },
-        { "Update", &ShellFrame::updatePlugin },
-        { "Terminate", &ShellFrame::terminatePlugin },
+        { "Start", SLOT(startPlugin()) },
+        { "Stop", SLOT(stopPlugin()) },
+        { "Show", SLOT(showPlugin()) },
+        { "Hide", SLOT(hidePlugin()) },
+        { "Update", SLOT(updatePlugin()) },
+        { "Terminate", SLOT(terminatePlugin()) },
     };
     QWidget* side = panel(CWidgetStyle::SidePanel);
     auto* layout = new QVBoxLayout(side);
@@ -122,7 +131,7 @@ void ShellFrame::buildSidePanel()
         button->setStyle(CPushButton::StyleGreen, false);
         button->setFocusPolicy(Qt::NoFocus);
         button->setMinimumHeight(48);
-        connect(button, &QPushButton::clicked, this, key.call);
+        connect(button, SIGNAL(clicked()), this, key.slot);
         layout->addWidget(button);
     }
 }
@@ -148,7 +157,7 @@ void ShellFrame::buildStatusBar()
 
 void ShellFrame::updateClock()
 {
-    m_clock->setText(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd  hh:mm:ss")));
+    m_clock->setText(QDateTime::currentDateTime().toString(QString::fromLatin1("yyyy-MM-dd  hh:mm:ss")));
 }
 
 bool ShellFrame::isAlive() const
@@ -158,7 +167,7 @@ bool ShellFrame::isAlive() const
 
 void ShellFrame::report(const QString& call, const QString& result)
 {
-    const QString line = result.isEmpty() ? call : QStringLiteral("%1 -> %2").arg(call, result);
+    const QString line = result.isEmpty() ? call : QString::fromLatin1("%1 -> %2").arg(call, result);
     std::printf("opmshell: %s\n", qPrintable(line));
     std::fflush(stdout);
     m_status->setText(line);
@@ -167,13 +176,13 @@ void ShellFrame::report(const QString& call, const QString& result)
 void ShellFrame::startPlugin()
 {
     if (isAlive())
-        report(QStringLiteral("start"), boolText(m_plugin->start(this)));
+        report(QString::fromLatin1("start"), boolText(m_plugin->start(this)));
 }
 
 void ShellFrame::stopPlugin()
 {
     if (isAlive())
-        report(QStringLiteral("stop"), boolText(m_plugin->stop()));
+        report(QString::fromLatin1("stop"), boolText(m_plugin->stop()));
 }
 
 void ShellFrame::showPlugin()
@@ -181,7 +190,7 @@ void ShellFrame::showPlugin()
     if (!isAlive())
         return;
     m_plugin->show();
-    report(QStringLiteral("show"));
+    report(QString::fromLatin1("show"));
 }
 
 void ShellFrame::hidePlugin()
@@ -189,7 +198,7 @@ void ShellFrame::hidePlugin()
     if (!isAlive())
         return;
     m_plugin->hide();
-    report(QStringLiteral("hide"));
+    report(QString::fromLatin1("hide"));
 }
 
 void ShellFrame::updatePlugin()
@@ -197,7 +206,7 @@ void ShellFrame::updatePlugin()
     if (!isAlive())
         return;
     m_plugin->update();
-    report(QStringLiteral("update"));
+    report(QString::fromLatin1("update"));
 }
 
 void ShellFrame::terminatePlugin()
@@ -205,7 +214,7 @@ void ShellFrame::terminatePlugin()
     if (!isAlive())
         return;
     m_plugin->terminate();
-    report(QStringLiteral("terminate"));
+    report(QString::fromLatin1("terminate"));
 }
 
 void ShellFrame::shutdownPlugin()
@@ -220,11 +229,11 @@ void ShellFrame::shutdownPlugin()
 bool ShellFrame::saveScreenshot(const QString& file)
 {
     // The keypad and message boxes are windows of their own, which grab() leaves out.
-    QPixmap screen = grab();
+    QPixmap screen = grabOf(this);
     QPainter painter(&screen);
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (window != this && window->isVisible())
-            painter.drawPixmap(window->geometry().topLeft() - geometry().topLeft(), window->grab());
+            painter.drawPixmap(window->geometry().topLeft() - geometry().topLeft(), grabOf(window));
     }
     painter.end();
     const bool saved = screen.save(file, "PNG");
@@ -249,7 +258,7 @@ void ShellFrame::pressKey(const QKeySequence& key)
     const int code = key[0] & ~Qt::KeyboardModifierMask;
     const auto modifiers = Qt::KeyboardModifiers(key[0] & Qt::KeyboardModifierMask);
     const QString text = keyText(code, modifiers);
-    report(QStringLiteral("key %1").arg(key.toString()),
+    report(QString::fromLatin1("key %1").arg(key.toString()),
         QString::fromLatin1(target->metaObject()->className()));
     QKeyEvent press(QEvent::KeyPress, code, modifiers, text);
     QApplication::sendEvent(target, &press);

@@ -42,7 +42,11 @@ private:
     QWidget* panel(int region);
     void report(const QString& call, const QString& result = QString());
     bool isAlive() const;
+
+private slots:
     void updateClock();
+
+private:
 
     QPointer<QObject> m_root;
     UtilInterface* m_plugin;

@@ -1,22 +1,10 @@
 #include "shellOptions.h"
 
-#include <QCommandLineParser>
-#include <QCoreApplication>
+#include <QMap>
 
 namespace {
 
-constexpr double kMaxSeconds = 24 * 3600;
-
-// The help text names the program through the application object, which does not exist yet:
-// QApplication would need a display even for --help.
-QString helpTextOf(const QCommandLineParser& parser)
-{
-    int argc = 1;
-    char name[] = "opmshell";
-    char* argv[] = { name, nullptr };
-    QCoreApplication app(argc, argv);
-    return parser.helpText();
-}
+const double kMaxSeconds = 24 * 3600;
 
 } // namespace
 
@@ -51,83 +39,129 @@ bool parseKeyAt(const QString& text, ShellOptions::KeyPress* press)
     return parseSeconds(text.left(colon), &press->seconds);
 }
 
+namespace {
+
+// The options, for the help text and for telling those with a value from those without.
+struct OptionSpec
+{
+    const char* name;
+    const char* value; // 0: a switch
+    const char* help;
+};
+
+const OptionSpec kOptions[] = {
+    { "plugin", "path", "The plug-in file to load." },
+    { "screenshot", "file", "Grab the frame into this PNG file." },
+    { "screenshot-after", "seconds", "When to take --screenshot (default 2)." },
+    { "screenshot-at", "seconds:file",
+        "Grab the frame, with any dialog open above it, at that moment; may be given several "
+        "times." },
+    { "key-at", "seconds:key",
+        "Press and release a key at that moment, as the set's keys do: to the focus widget of "
+        "the active modal window, else of the active window. KEY as Qt writes it (F1, Return, "
+        "Ctrl+Tab, S, -); may be given several times." },
+    { "quit-after", "seconds", "Stop, terminate and quit after that long." },
+    { "autostart", 0, "Start the plug-in at once." },
+};
+
+const OptionSpec* findOption(const QString& name)
+{
+    for (const OptionSpec& option : kOptions) {
+        if (name == QLatin1String(option.name))
+            return &option;
+    }
+    return 0;
+}
+
+QString usageText()
+{
+    QString text = QString::fromLatin1(
+        "Usage: opmshell [options]\n"
+        "Stand-in for the set's application shell: verifies, loads and drives an application "
+        "plug-in in an 800 x 480 frame.\n\nOptions:\n"
+        "  -h, --help\n      Show this help.\n");
+    for (const OptionSpec& option : kOptions) {
+        text += QString::fromLatin1("  --%1").arg(QLatin1String(option.name));
+        if (option.value)
+            text += QString::fromLatin1(" <%1>").arg(QLatin1String(option.value));
+        text += QString::fromLatin1("\n      %1\n").arg(QLatin1String(option.help));
+    }
+    return text;
+}
+
+} // namespace
+
+// Written by hand rather than with QCommandLineParser, which Qt 4 lacks. Options are
+// "--name value" or "--name=value"; the last of a single option wins.
 bool ShellOptions::parse(const QStringList& arguments, QString* error)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Stand-in for the set's application shell: verifies, loads and drives "
-                       "an application plug-in in an 800 x 480 frame."));
-    const QCommandLineOption helpOption(
-        { QStringLiteral("h"), QStringLiteral("help") }, QStringLiteral("Show this help."));
-    parser.addOption(helpOption);
-    const QCommandLineOption pluginOption(QStringLiteral("plugin"),
-        QStringLiteral("The plug-in file to load."), QStringLiteral("path"));
-    const QCommandLineOption shotOption(QStringLiteral("screenshot"),
-        QStringLiteral("Grab the frame into this PNG file."), QStringLiteral("file"));
-    const QCommandLineOption shotAfterOption(QStringLiteral("screenshot-after"),
-        QStringLiteral("When to take --screenshot (default 2)."), QStringLiteral("seconds"));
-    const QCommandLineOption shotAtOption(QStringLiteral("screenshot-at"),
-        QStringLiteral("Grab the frame, with any dialog open above it, at that moment; may be "
-                       "given several times."),
-        QStringLiteral("seconds:file"));
-    const QCommandLineOption keyAtOption(QStringLiteral("key-at"),
-        QStringLiteral("Press and release a key at that moment, as the set's keys do: to the "
-                       "focus widget of the active modal window, else of the active window. "
-                       "KEY as Qt writes it (F1, Return, Ctrl+Tab, S, -); may be given "
-                       "several times."),
-        QStringLiteral("seconds:key"));
-    const QCommandLineOption quitOption(QStringLiteral("quit-after"),
-        QStringLiteral("Stop, terminate and quit after that long."), QStringLiteral("seconds"));
-    const QCommandLineOption autostartOption(
-        QStringLiteral("autostart"), QStringLiteral("Start the plug-in at once."));
-    parser.addOptions({ pluginOption, shotOption, shotAfterOption, shotAtOption, keyAtOption,
-        quitOption, autostartOption });
-    if (!parser.parse(arguments)) {
-        *error = parser.errorText();
-        return false;
-    }
-    if (parser.isSet(helpOption)) {
-        helpText = helpTextOf(parser);
-        return true;
-    }
-    if (!parser.positionalArguments().isEmpty()) {
-        *error = QStringLiteral("unexpected argument \"%1\"")
-                     .arg(parser.positionalArguments().first());
-        return false;
+    QMap<QString, QStringList> values;
+    for (int i = 1; i < arguments.size(); ++i) {
+        const QString& argument = arguments.at(i);
+        if (argument == QLatin1String("-h") || argument == QLatin1String("--help")) {
+            helpText = usageText();
+            return true;
+        }
+        if (!argument.startsWith(QLatin1String("--"))) {
+            *error = QString::fromLatin1("unexpected argument \"%1\"").arg(argument);
+            return false;
+        }
+        const int equals = argument.indexOf(QLatin1Char('='));
+        const QString name = argument.mid(2, equals < 0 ? -1 : equals - 2);
+        const OptionSpec* option = findOption(name);
+        if (!option) {
+            *error = QString::fromLatin1("Unknown option '%1'.").arg(name);
+            return false;
+        }
+        if (!option->value) {
+            values[name].append(QString());
+            continue;
+        }
+        if (equals >= 0) {
+            values[name].append(argument.mid(equals + 1));
+        } else if (i + 1 < arguments.size()) {
+            values[name].append(arguments.at(++i));
+        } else {
+            *error = QString::fromLatin1("Missing value after '%1'.").arg(argument);
+            return false;
+        }
     }
 
-    plugin = parser.value(pluginOption);
-    autostart = parser.isSet(autostartOption);
+    const QStringList pluginValues = values.value(QString::fromLatin1("plugin"));
+    if (!pluginValues.isEmpty())
+        plugin = pluginValues.last();
+    autostart = values.contains(QString::fromLatin1("autostart"));
     if (plugin.isEmpty()) {
-        *error = QStringLiteral("--plugin is required");
+        *error = QString::fromLatin1("--plugin is required");
         return false;
     }
-    if (parser.isSet(quitOption) && !parseSeconds(parser.value(quitOption), &quitAfter)) {
-        *error = QStringLiteral("bad --quit-after \"%1\"").arg(parser.value(quitOption));
+    const QStringList quit = values.value(QString::fromLatin1("quit-after"));
+    if (!quit.isEmpty() && !parseSeconds(quit.last(), &quitAfter)) {
+        *error = QString::fromLatin1("bad --quit-after \"%1\"").arg(quit.last());
         return false;
     }
-    if (parser.isSet(shotOption)) {
-        Screenshot shot { 2.0, parser.value(shotOption) };
-        if (parser.isSet(shotAfterOption)
-            && !parseSeconds(parser.value(shotAfterOption), &shot.seconds)) {
-            *error = QStringLiteral("bad --screenshot-after \"%1\"")
-                         .arg(parser.value(shotAfterOption));
+    const QStringList shotFile = values.value(QString::fromLatin1("screenshot"));
+    if (!shotFile.isEmpty()) {
+        Screenshot shot { 2.0, shotFile.last() };
+        const QStringList after = values.value(QString::fromLatin1("screenshot-after"));
+        if (!after.isEmpty() && !parseSeconds(after.last(), &shot.seconds)) {
+            *error = QString::fromLatin1("bad --screenshot-after \"%1\"").arg(after.last());
             return false;
         }
         screenshots.append(shot);
     }
-    for (const QString& value : parser.values(shotAtOption)) {
+    for (const QString& value : values.value(QString::fromLatin1("screenshot-at"))) {
         Screenshot shot;
         if (!parseScreenshotAt(value, &shot)) {
-            *error = QStringLiteral("bad --screenshot-at \"%1\" (want seconds:file)").arg(value);
+            *error = QString::fromLatin1("bad --screenshot-at \"%1\" (want seconds:file)").arg(value);
             return false;
         }
         screenshots.append(shot);
     }
-    for (const QString& value : parser.values(keyAtOption)) {
+    for (const QString& value : values.value(QString::fromLatin1("key-at"))) {
         KeyPress press;
         if (!parseKeyAt(value, &press)) {
-            *error = QStringLiteral("bad --key-at \"%1\" (want seconds:key)").arg(value);
+            *error = QString::fromLatin1("bad --key-at \"%1\" (want seconds:key)").arg(value);
             return false;
         }
         keys.append(press);

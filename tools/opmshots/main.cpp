@@ -34,8 +34,9 @@ const ShotMode* findMode(const QString& option)
 
 int main(int argc, char* argv[])
 {
-    // Pictures only go to files, so no display is ever needed.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    // Pictures only go to files, so no display is ever needed (Qt 4 has no offscreen platform:
+    // run it under xvfb-run there).
+    if (qgetenv("QT_QPA_PLATFORM").isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
 
@@ -52,7 +53,7 @@ int main(int argc, char* argv[])
     if (!mode)
         return usage();
     options.dir = QDir(args.at(1));
-    if (!options.dir.mkpath(QStringLiteral("."))) {
+    if (!options.dir.mkpath(QString::fromLatin1("."))) {
         fprintf(stderr, "opmshots: cannot create %s\n", qPrintable(args.at(1)));
         return 1;
     }

@@ -8,7 +8,11 @@
 
 bool saveShot(QWidget& widget, const ShotOptions& options, const QString& fileName)
 {
+#if QT_VERSION >= 0x050000
     QImage image = widget.grab().toImage();
+#else
+    QImage image = QPixmap::grabWidget(&widget).toImage();
+#endif
     if (options.scale > 1)
         image = image.scaled(image.size() * options.scale, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     const QString path = options.dir.filePath(fileName);

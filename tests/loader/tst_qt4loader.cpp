@@ -1,0 +1,126 @@
+// The plug-in as the set's shell takes it: through Qt 4's own QPluginLoader, with its checks of
+// version, build key and verification data, then driven by a host frame through UtilInterface.
+#include "testSupport.h"
+#include "utilinterface.h"
+
+#include <QLabel>
+#include <QPluginLoader>
+#include <QTabWidget>
+#include <QtTest>
+
+#include <memory>
+
+#ifndef OPM_PLUGIN_FILE
+#error "OPM_PLUGIN_FILE names the product plug-in"
+#endif
+#ifndef OPM_TESTROOT_PLUGIN_FILE
+#error "OPM_TESTROOT_PLUGIN_FILE names the plug-in that works below OPM_TEST_DEVICE_ROOT"
+#endif
+
+typedef QObject* (*PluginInstance)();
+
+class TestQt4Loader : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void productPluginLoads();
+    void hostDrivesPlugin();
+
+private:
+    QLabel* readingLabel(QWidget* window, const QString& text) const;
+};
+
+// The product file itself: loaded and cast, never started (it would work on the set's paths).
+void TestQt4Loader::productPluginLoads()
+{
+    QPluginLoader loader(QString::fromLatin1(OPM_PLUGIN_FILE));
+    QVERIFY2(loader.load(), qPrintable(loader.errorString()));
+    QObject* root = loader.instance();
+    QVERIFY(root);
+    QCOMPARE(loader.instance(), root);
+    QLibrary library(QString::fromLatin1(OPM_PLUGIN_FILE));
+    PluginInstance instance = reinterpret_cast<PluginInstance>(library.resolve("qt_plugin_instance"));
+    QVERIFY(instance);
+    QCOMPARE(instance(), root);
+
+    QCOMPARE(QByteArray(root->metaObject()->className()), QByteArray("NerioOpmPlugin"));
+    QCOMPARE(QByteArray(qobject_interface_iid<UtilInterface*>()),
+             QByteArray("com.corvaneinc.CommonUtil.UtilInterface/1.0"));
+    UtilInterface* plugin = qobject_cast<UtilInterface*>(root);
+    QVERIFY(plugin);
+    QVERIFY(root->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0") != 0);
+    QCOMPARE(plugin->getPluginID(), QString::fromLatin1("com.corvaneinc.CommonUtil.NerioOpmPlugin"));
+    QVERIFY(!plugin->getObject());
+    QVERIFY(!plugin->stop());
+}
+
+QLabel* TestQt4Loader::readingLabel(QWidget* window, const QString& text) const
+{
+    QTabWidget* tabs = window->findChild<QTabWidget*>();
+    if (!tabs || tabs->tabText(tabs->currentIndex()) != QLatin1String("Setup"))
+        return 0;
+    foreach (QLabel* label, tabs->currentWidget()->findChildren<QLabel*>()) {
+        if (label->text() == text && label->isVisible())
+            return label;
+    }
+    return 0;
+}
+
+// Start shows the page in the host's frame and a reading appears; stop hides it and ends the
+// reader; terminate closes the window and leaves the reader alone.
+void TestQt4Loader::hostDrivesPlugin()
+{
+    TestDeviceRoot root;
+    QVERIFY(root.isValid());
+    QVERIFY(root.installReader());
+    RecordWriter reader;
+    QVERIFY(reader.isAttached());
+    qputenv("OPM_TEST_DEVICE_ROOT", QFile::encodeName(root.path()));
+
+    QPluginLoader loader(QString::fromLatin1(OPM_TESTROOT_PLUGIN_FILE));
+    QVERIFY2(loader.load(), qPrintable(loader.errorString()));
+    QPointer<QObject> instance = loader.instance();
+    UtilInterface* plugin = qobject_cast<UtilInterface*>(instance.data());
+    QVERIFY(plugin);
+
+    QWidget frame;
+    frame.setFixedSize(800, 480);
+    frame.show();
+    QVERIFY(TestCompat::waitForShown(&frame));
+    {
+        StdoutCapture quiet;
+        QVERIFY(plugin->start(&frame));
+    }
+    QWidget* window = qobject_cast<QWidget*>(plugin->getObject());
+    QVERIFY(window);
+    QCOMPARE(window->parentWidget(), &frame);
+    QVERIFY(window->isVisible());
+    QVERIFY(frame.rect().contains(window->geometry()));
+    QVERIFY(root.readersSettleAt(1));
+
+    reader.setReading("1310", "dBm", "-12.34");
+    OPM_TRY_VERIFY(readingLabel(window, QString::fromLatin1("-12.340 dBm")), 2000);
+
+    {
+        StdoutCapture quiet;
+        QVERIFY(plugin->stop());
+    }
+    QVERIFY(!window->isVisible());
+    QVERIFY(root.readersSettleAt(0));
+
+    {
+        StdoutCapture quiet;
+        QVERIFY(plugin->start(&frame));
+        QCOMPARE(qobject_cast<QWidget*>(plugin->getObject()), window);
+        QVERIFY(window->isVisible());
+        plugin->terminate();
+    }
+    QVERIFY(!window->isVisible());
+    QVERIFY(!plugin->stop());
+    QVERIFY(root.readersSettleAt(1));
+    delete instance.data();
+}
+
+QTEST_MAIN(TestQt4Loader)
+#include "tst_qt4loader.moc"
