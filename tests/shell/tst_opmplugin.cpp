@@ -1,25 +1,44 @@
 // The host's side of the plug-in: its life cycle as the shell drives it, the export, the
-// identity and the verification text, also as the built plug-in file holds them; and the power
+// identity and the verification text, also as the built plug-in file holds them; the power
 // reader's life, which the main page owns: one reader while the plug-in runs, none after it
-// stopped (the page's own end and a start right after a kill: tst_readerstart). The reader is a
-// stand-in in the test's own root; the commands reach only the readers of that root, whatever
-// its name.
+// stopped or the page went, also with a kill right after a slow start; and the host destroying
+// the page while one of its boxes is open. The reader is a stand-in in the test's own root; the
+// commands reach only the readers of that root, whatever its name.
 #include "ctabwidget.h"
 #include "cutilwindow.h"
 #include "devicePaths.h"
 #include "elfSection.h"
-#include "opmMain.h"
-#include "opmShowResult.h"
+#include "opmPageProbe.h"
 #include "opmplugin.h"
-#include "testSupport.h"
 #include "verificationText.h"
 
+#include <QElapsedTimer>
 #include <QLibrary>
 #include <QPointer>
 #include <QProcess>
-#include <QtTest>
 
+#include <cstdlib>
 #include <memory>
+
+namespace {
+
+// While it lives, the shell takes ms to start the reader.
+class SlowReaderStart
+{
+public:
+    explicit SlowReaderStart(int ms)
+    {
+        setenv("SLOW_READER_START_MS", QByteArray::number(ms).constData(), 1);
+        setenv("LD_PRELOAD", SLOW_READER_START_LIBRARY, 1);
+    }
+    ~SlowReaderStart()
+    {
+        unsetenv("LD_PRELOAD");
+        unsetenv("SLOW_READER_START_MS");
+    }
+};
+
+} // namespace
 
 class TestOpmPlugin : public QObject
 {
@@ -34,6 +53,10 @@ private slots:
     void startStopTerminate();
     void instanceIsSingleWithIdentity();
     void verificationText();
+    void startKillStartLeavesOneReader();
+    void readerTooSlowTracedOnce();
+    void hostEndsPageDuringBox_data();
+    void hostEndsPageDuringBox();
 
 private:
     UtilInterface* plugin();
@@ -66,7 +89,6 @@ void TestOpmPlugin::init()
 void TestOpmPlugin::cleanup()
 {
     delete m_instance.data();
-    QCOMPARE(m_boxes->count(), 0);
     for (int i = 0; i < 2; ++i)
         m_parents[i].reset();
     m_boxes.reset();
@@ -142,6 +164,7 @@ void TestOpmPlugin::startStopTerminate()
     QVERIFY(windows.first()->isVisible());
     QVERIFY(m_parents[1]->findChildren<QWidget*>().isEmpty());
     QVERIFY(m_root->readersSettleAt(1));
+    QCOMPARE(m_boxes->count(), 0);
     // Had a kill reached the other reader it would be gone by now; spared, this only waits.
     QVERIFY(!foreign.waitForFinished(500));
     foreign.kill();
@@ -186,6 +209,128 @@ void TestOpmPlugin::verificationText()
     QVERIFY2(query, qPrintable(module.errorString()));
     QVERIFY(reinterpret_cast<void*>(query) != reinterpret_cast<void*>(&qt_plugin_query_verification_data));
     QCOMPARE(QByteArray(query()), text);
+}
+
+// The plug-in's start (the page's start, then enterInit's kill and start) and then enterInit
+// again and again, each right after the last.
+void TestOpmPlugin::startKillStartLeavesOneReader()
+{
+    const int slowMs = 30;
+    SlowReaderStart slow(slowMs);
+    COpmMainPage page;
+    for (int i = 0; i < 100; ++i) {
+        page.enterInit();
+        page.enterInit();
+        // A start the shell has not carried out yet would show up within slowMs.
+        QTest::qWait(slowMs + 10);
+        QVERIFY2(m_root->readersSettleAt(1, 3000),
+            qPrintable(QString("%1 readers after sequence %2").arg(m_root->runningReaders().size()).arg(i)));
+    }
+    QTest::qWait(3 * slowMs);
+    QCOMPARE(m_root->runningReaders().size(), 1);
+}
+
+// A reader that takes longer than the page waits: the page goes on and says so once.
+void TestOpmPlugin::readerTooSlowTracedOnce()
+{
+    std::unique_ptr<COpmMainPage> page(new COpmMainPage);
+    QVERIFY(m_root->readersSettleAt(1, 3000));
+    QElapsedTimer took;
+    QByteArray trace;
+    {
+        SlowReaderStart slow(1500);
+        StdoutCapture capture;
+        took.start();
+        page->enterInit();
+        trace = capture.take();
+    }
+    const qint64 ms = took.elapsed();
+    // The late reader comes all the same, and goes with the page.
+    const bool came = m_root->readersSettleAt(1, 5000);
+    page.reset();
+    QVERIFY(m_root->readersSettleAt(0, 3000));
+    QVERIFY(came);
+    QVERIFY2(ms < 1000, qPrintable(QString::number(ms)));
+    QCOMPARE(trace.count("no reader"), 1);
+}
+
+void TestOpmPlugin::hostEndsPageDuringBox_data()
+{
+    QTest::addColumn<QString>("steps"); // on the Setup tab, the last one opens the box; or F1
+    QTest::addColumn<QString>("destroy"); // what the host destroys while the box is open
+    const char* const boxes[][2] = {
+        { "warning box", "tick; click save" },
+        { "keypad", "F1" },
+        { "reference dialog", "choose mode 1; tick; click reference" },
+        { "error box", "click limits; enter min 50" },
+    };
+    const char* const hosts[] = { "page", "window", "plug-in" };
+    for (size_t b = 0; b < sizeof boxes / sizeof boxes[0]; ++b) {
+        for (size_t h = 0; h < sizeof hosts / sizeof hosts[0]; ++h)
+            QTest::newRow(qPrintable(QString("%1, %2").arg(boxes[b][0], hosts[h])))
+                << boxes[b][1] << hosts[h];
+    }
+}
+
+// The page's boxes against the host: the shell may destroy the page, its window or the plug-in
+// (with the frame it was started in) while a box of the page is open, from inside the box's
+// own event loop. That must end cleanly, and the plug-in must carry on without what is gone.
+void TestOpmPlugin::hostEndsPageDuringBox()
+{
+    QFETCH(QString, steps);
+    QFETCH(QString, destroy);
+    CBrovaOpmDataEngine* store = CBrovaOpmDataEngine::getSingleInstance();
+    store->clearAllresultItem();
+    for (int i = 0; i < CBrovaOpmDataEngine::kMaxResults; ++i) {
+        Result saved = {};
+        store->addResultItem(saved);
+    }
+
+    QPointer<QWidget> frame = new QWidget;
+    frame->show();
+    QPointer<QObject> plugin = qt_plugin_instance();
+    UtilInterface* host = qobject_cast<UtilInterface*>(plugin.data());
+    QVERIFY(host && host->start(frame));
+    QPointer<QWidget> window = qobject_cast<QWidget*>(host->getObject());
+    QPointer<COpmMainPage> page = window->findChild<COpmMainPage*>();
+    QVERIFY(page);
+    RecordWriter reader;
+    reader.setReading("1310", "dBm", "-5");
+
+    m_boxes->handler = [&](QWidget*) {
+        if (destroy == "page") {
+            delete page.data();
+        } else if (destroy == "window") {
+            delete window.data();
+        } else {
+            delete plugin.data();
+            delete frame.data();
+        }
+        return true;
+    };
+    if (steps == "F1")
+        QTest::keyClick(page.data(), Qt::Key_F1);
+    else
+        OpmPageProbe::act(OpmPageProbe::m_pTableOpmSetup(page), reader, steps);
+    OPM_TRY_COMPARE(m_boxes->count(), 1, 5000);
+    QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
+    QVERIFY(!page);
+    QVERIFY(!QApplication::activeModalWidget());
+    // The export was given up with its page: no report.
+    QVERIFY(QDir(DevicePaths::resultDir()).entryList(QDir::Files).isEmpty());
+
+    if (plugin) {
+        // The plug-in must not reach for what the host destroyed, and builds it anew.
+        QVERIFY(host->stop());
+        host->terminate();
+        QVERIFY(host->start(frame));
+        QWidget* newWindow = qobject_cast<QWidget*>(host->getObject());
+        QVERIFY(newWindow && newWindow->findChild<COpmMainPage*>());
+        delete plugin.data();
+    }
+    delete frame.data();
+    QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
+    QCOMPARE(m_boxes->count(), 1);
 }
 
 QTEST_MAIN(TestOpmPlugin)

@@ -173,7 +173,6 @@ struct OpmPageProbe
             dialogs += dialog->isVisible();
         k["dialogs"] = n(dialogs);
         k["mode"] = n(p->m_pTestMode->currentIndex()) + '/' + n(p->m_eTestMode);
-        k["modeText"] = p->m_pTestMode->currentText();
         k["unit"] = n(p->m_eRusultUnit);
         k["timer"] = p->m_pTimer->isActive() ? n(p->m_pTimer->interval()) : "off";
         k["lossUnit"] = n(p->m_pLossMeterUnit->currentIndex()) + '/' + n(p->m_eLossLengthType) + ' '
