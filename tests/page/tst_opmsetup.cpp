@@ -68,8 +68,12 @@ void TestOpmSetup::restore_data()
     // Cut to its field on the page; the file keeps it until a Set rewrites it.
     QTest::newRow("reference of 10 kB") << "Reference850=" + QString(10240, '7')
             << "refs=777777777777777 0 0 0 0; refLabel=Ref.: 777777777777777 dBm";
-    // Keys differ in case: not the page's, kept in the file as they are.
+    // Keys differ in case: not the page's, kept in the file as they are. Qt 4's QSettings
+    // matches keys in any case (it reads "Unit" as UNIT and writes UNIT into it), so there, as on
+    // the set, this row does not hold.
+#if QT_VERSION >= 0x050000
     QTest::newRow("keys in other case") << "wavelength=1550; Unit=mW" << "file=15";
+#endif
     const char* const lengths[] = { "abc", "0", "100000" };
     for (int i = 0; i < 3; ++i)
         QTest::newRow(qPrintable(QString("length ") + lengths[i]))
