@@ -24,13 +24,14 @@ bash "$source_dir/scripts/setup.sh"
 mkdir -p "$tree" "$build" "$log"
 
 # --- the scratch copy: the checkout's files as they are now (tracked or new, not ignored) ------
-# Only files that differ are copied, so that the build stays incremental between runs.
+# Only files that differ are copied, so that the build stays incremental between runs; a copy
+# takes the time of copying (not its original's), so that make sees it as newer than its objects.
 (cd "$source_dir" && git ls-files -co --exclude-standard -z) >"$log/files"
 while IFS= read -r -d '' f; do
     [[ -f $source_dir/$f ]] || continue
     if ! cmp -s "$source_dir/$f" "$tree/$f"; then
         mkdir -p "$(dirname "$tree/$f")"
-        cp -p "$source_dir/$f" "$tree/$f"
+        cp "$source_dir/$f" "$tree/$f"
     fi
 done <"$log/files"
 # Files the checkout no longer has would still be built.
