@@ -280,7 +280,7 @@ inline void runScenario()
     PageFixture fx(facts(settings));
     QVERIFY(QFile::remove(DevicePaths::settingFile()));
     fx.act(steps);
-    fx.verify(with(facts(expected.contains("file:") ? "file=13" : "file=0"), facts(expected)));
+    fx.verify(facts((expected.contains("file:") ? "file=13;" : "file=0;") + expected));
 }
 
 #endif // OPMPAGEPROBE_H

@@ -39,19 +39,9 @@ Keys facts(const QString& text)
     return keys;
 }
 
-Keys with(Keys a, const Keys& b)
-{
-    for (Keys::const_iterator it = b.constBegin(); it != b.constEnd(); ++it)
-        a.insert(it.key(), it.value());
-    return a;
-}
-
-Keys setupDefaults()
-{
-    return facts("Wavelength=850; TestMode=PowerMeter; UNIT=dB; PowerLimit=disable;"
-                 "PowerLimitMinimum=-60; PowerLimitMaximum=10; LossUnit=db; LossLength=1;"
-                 "Reference850=0; Reference1310=0; Reference1490=0; Reference1550=0; Reference1625=0");
-}
+const char kSetupDefaults[] = "Wavelength=850; TestMode=PowerMeter; UNIT=dB; PowerLimit=disable;"
+                              "PowerLimitMinimum=-60; PowerLimitMaximum=10; LossUnit=db; LossLength=1;"
+                              "Reference850=0; Reference1310=0; Reference1490=0; Reference1550=0; Reference1625=0";
 
 Keys storedSetup()
 {
@@ -145,11 +135,6 @@ bool TestDeviceRoot::installReader(const QString& program) const
     m_standIn = program.isNull();
     return QFile::copy(program.isNull() ? QString(READER_STAND_IN_PATH) : program, target)
             && QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
-
-int TestDeviceRoot::readerStarts() const
-{
-    return readFile("/reader-starts").count('\n');
 }
 
 QList<QByteArray> TestDeviceRoot::runningReaders() const

@@ -16,16 +16,14 @@
 #include <memory>
 
 // Named facts of a test: written "name=value; name=value" ('value' in single quotes keeps its
-// blanks), compared as a map.
+// blanks; of a name given twice, the later), compared as a map.
 typedef QMap<QString, QString> Keys;
 Keys facts(const QString& text);
-// The facts of a with those of b added or replaced.
-Keys with(Keys a, const Keys& b);
 
-// The settings file as the set keeps it: its thirteen keys with their defaults (the one table of
-// them the tests have), the [COpmSetup] group of the file on disk as it is now (QSettings would
-// answer from its cache), and the text of a file holding the given keys.
-Keys setupDefaults();
+// The settings file as the set keeps it: its thirteen keys with their defaults, as facts (the
+// one table of them the tests have), the [COpmSetup] group of the file on disk as it is now
+// (QSettings would answer from its cache), and the text of a file holding the given keys.
+extern const char kSetupDefaults[];
 Keys storedSetup();
 QByteArray setupText(const Keys& keys);
 
@@ -49,7 +47,6 @@ public:
     // Installs a program at the reader's path; without one, a stand-in that notes each start in
     // file("/reader-starts") and waits to be killed.
     bool installReader(const QString& program = QString()) const;
-    int readerStarts() const;
     // The pids of the readers of this root that run now; waiting until exactly expected of them
     // run, each stand-in past its start.
     QList<QByteArray> runningReaders() const;
