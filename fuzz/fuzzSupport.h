@@ -25,9 +25,10 @@ const TestDeviceRoot& root();
 // Paints a widget off screen, as a visible page would.
 void paint(QWidget* widget);
 
-// Ends the run when a text field of the page lost its end: a fault even where no sanitizer
-// sees it (inside the page object).
-void requireTextsEnded(NerioOpm* page);
+// Ends the run when a text field of the page lost its end (a fault even where no sanitizer sees
+// it: inside the page object), or when the page's reading label holds anything but a reading of
+// a known form, a state text or nothing.
+void requireSanePage(NerioOpm* page);
 
 // The input's bytes from offset on, exactly size bytes: zeros where the input is shorter.
 void take(const uint8_t* data, size_t dataSize, size_t offset, void* out, size_t size);

@@ -55,6 +55,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         Result saved = savedAt(data, size, i * kSavedSize);
         store->addResultItem(saved);
     }
+    // Every field the store hands out ends inside its width, whatever the saved reading held.
+    std::list<Result> stored;
+    store->getAllResultItem(stored);
+    for (std::list<Result>::const_iterator it = stored.begin(); it != stored.end(); ++it) {
+        if (!OpmPageProbe::ended(*it))
+            qFatal("a text field of a stored reading runs past its width");
+    }
     // Opening the tab fills its lines, leaving it blanks them.
     QShowEvent shown;
     QCoreApplication::sendEvent(g_resultPage, &shown);

@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     writeSettingFile(data, size);
     auto* page = new NerioOpm;
     readAtTarget(page);
-    FuzzSupport::requireTextsEnded(page);
+    FuzzSupport::requireSanePage(page);
     if (auto* bar = page->findChild<OffsetBar*>())
         FuzzSupport::paint(bar);
     // The page keeps its record attached for the process's life; a page per input must not.

@@ -112,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FuzzSupport::take(data, size, kStateSize, &record, sizeof record);
     std::memcpy(g_reader->record(), &record, sizeof record);
     OpmPageProbe::act(g_page, *g_reader, stepsFor(state));
-    FuzzSupport::requireTextsEnded(g_page);
+    FuzzSupport::requireSanePage(g_page);
     FuzzSupport::paint(g_bar);
     return 0;
 }

@@ -23,14 +23,7 @@ note() { echo "bench: $*" >&2; }
 
 # --- what it needs ------------------------------------------------------------------------------
 
-bash "$source_dir/scripts/setup.sh"
-if ! dpkg-query -W -f='${Status}' valgrind 2>/dev/null | grep -q "install ok installed"; then
-    note "installing valgrind"
-    SUDO=""
-    [ "$(id -u)" -eq 0 ] || SUDO="sudo"
-    $SUDO apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends valgrind
-fi
+bash "$source_dir/scripts/setup.sh" valgrind
 
 cmake -S "$source_dir" -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build_dir" -j "$(nproc 2>/dev/null || echo 2)" --target \
@@ -51,10 +44,6 @@ stop_demo_on_exit
 
 prepare_root
 export QT_QPA_PLATFORM=offscreen
-if [[ -z ${XDG_RUNTIME_DIR:-} ]]; then
-    export XDG_RUNTIME_DIR=$build_dir/demo-runtime
-    mkdir -p -m 700 "$XDG_RUNTIME_DIR"
-fi
 # The shared record's key follows the working folder.
 cd "$root"
 

@@ -75,10 +75,6 @@ headless_story() {
 }
 
 prepare_root
-if [[ -z ${XDG_RUNTIME_DIR:-} ]]; then
-    export XDG_RUNTIME_DIR=$build_dir/demo-runtime
-    mkdir -p -m 700 "$XDG_RUNTIME_DIR"
-fi
 
 # The shared record's key follows the working folder, and the reader inherits it.
 cd "$root"

@@ -7,8 +7,14 @@ reader=$root/usr/local/brova/bin/lumenProbe
 # By its path: only the demo root's reader, never one of another run or of the tests.
 kill_reader() { killall -q -9 "$reader" 2>/dev/null || true; }
 
+# The root's folders, its reader (a fresh copy, none running), its identity files, and a runtime
+# folder for Qt when the session has none.
 prepare_root() {
     mkdir -p "$root/home" "$root/usr/local/brova/bin" "$root/usr/local/brova/lib" "$root/etc/brova"
+    if [[ -z ${XDG_RUNTIME_DIR:-} ]]; then
+        export XDG_RUNTIME_DIR=$build_dir/demo-runtime
+        mkdir -p -m 700 "$XDG_RUNTIME_DIR"
+    fi
     kill_reader
     # A copy, not a link: the page kills its reader by this path, which must name the demo's
     # reader alone and not the build's program that tests run too.

@@ -10,12 +10,7 @@ source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${BUILD_DIR:-$source_dir/build}
 docs=$source_dir/docs
 
-if ! command -v chromium >/dev/null; then
-    SUDO=""
-    [ "$(id -u)" -eq 0 ] || SUDO="sudo"
-    $SUDO apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq chromium
-fi
+bash "$source_dir/scripts/setup.sh" chromium
 
 env -u DISPLAY -u WAYLAND_DISPLAY BUILD_DIR="$build_dir" bash "$source_dir/scripts/demo.sh"
 

@@ -136,9 +136,9 @@ PY
 # Every suite, one after another, each its own QWS server. QtTest suites with a QApplication
 # are servers by -qws; the others (and the programs suites start) make themselves servers or
 # need none.
-# tst_readerstart slows the reader's start by preloading a library into the shell the page
-# starts it with; here that shell is the PC's 64-bit /bin/sh, which cannot take a 32-bit library.
-not_here=" tst_readerstart "
+# Suites that cannot run on this 64-bit host, by name (none now: tst_opmplugin's slow-start
+# functions skip themselves where the PC's 64-bit /bin/sh cannot take their 32-bit library).
+not_here=" "
 started=$SECONDS
 suites_passed=0
 suites_failed=()

@@ -43,13 +43,6 @@ inline void copyField(char* field, size_t size, const char* src, size_t srcSize)
 // a text that still does not fit is cut.
 void copyMeasurement(char* field, size_t size, const char* src);
 
-// True when the field holds exactly text (the field read as in length()).
-inline bool equals(const char* field, size_t size, const char* text)
-{
-    const size_t n = length(field, size);
-    return std::strlen(text) == n && std::memcmp(field, text, n) == 0;
-}
-
 template <size_t N>
 inline void copy(char (&field)[N], const char* src) { copy(field, N, src); }
 
@@ -61,9 +54,6 @@ inline void copyMeasurement(char (&field)[N], const char* src) { copyMeasurement
 
 template <size_t N>
 inline size_t length(const char (&field)[N]) { return length(field, N); }
-
-template <size_t N>
-inline bool equals(const char (&field)[N], const char* text) { return equals(field, N, text); }
 
 } // namespace FixedText
 

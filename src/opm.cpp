@@ -12,13 +12,12 @@
 #include "fixedText.h"
 #include "offsetBar.h"
 #include "opmMain.h"
+#include "opmReading.h"
 
 #include <QBoxLayout>
 #include <QPointer>
 #include <QTimer>
 
-#include <cfloat>
-#include <cmath>
 #include <stdint.h>
 #include <cstdio>
 #include <cstdlib>
@@ -53,17 +52,6 @@ QString powerLimitsCaption(RusultUnit unit)
     case dB: break;
     }
     return QObject::tr("Power Limits (dBm)");
-}
-
-// Readings arrive as text; a number beyond the float range becomes an infinity rather than an
-// undefined conversion.
-float toFloat(double value)
-{
-    if (value > double(FLT_MAX))
-        return INFINITY;
-    if (value < -double(FLT_MAX))
-        return -INFINITY;
-    return float(value);
 }
 
 float textToFloat(const QString& text) { return text.trimmed().toFloat(); }
@@ -519,7 +507,7 @@ void NerioOpm::onTimer()
     deleteSpace(Opm.value);
 
     // Compared in the limits' own precision, so that a reading equal to a typed limit passes.
-    const float reading = toFloat(atof(Opm.value));
+    const float reading = opmReadingValue(Opm.value);
     m_bPass = m_fPowerMin <= reading && reading <= m_fPowerMax;
     if (m_bPowerLimits)
         m_qColorTextColor = m_bPass ? Qt::green : Qt::red;
@@ -546,59 +534,14 @@ void NerioOpm::showResult()
         FixedText::copyField(m_sOpmRef.unit, Opm.unit);
     }
 
+    const OpmDisplaySettings settings = { m_eTestMode, m_eRusultUnit, m_eLossLengthType, m_fLength,
+                                          m_aWaveLengthRef[m_eWaveLength] };
+    if (!opmFormatReading(settings, Opm.value, Opm.unit, text, sizeof text, &m_result))
+        return;
+    if (!noLight && m_eTestMode == PowerMeter && m_eRusultUnit == dB)
+        showLatin1(m_pdBm, m_result.limitsUnit);
+    // The bar places the reading as the reader sent it, whatever the mode and unit.
     const double reading = atof(Opm.value);
-    const float fReading = toFloat(reading);
-    float fResult = 0.0f;
-    if (noLight) {
-        FixedText::copy(text, sizeof text, "---.--");
-    } else if (m_eTestMode != PowerMeter) {
-        const double ref = atof(m_aWaveLengthRef[m_eWaveLength]);
-        char length[64];
-        switch (m_eLossLengthType) {
-        case LossLim_dBkm:
-        case LossLim_dBmi: {
-            const bool km = m_eLossLengthType == LossLim_dBkm;
-            fResult = toFloat((ref - double(fReading)) / double(m_fLength));
-            snprintf(text, sizeof text, "%.6f %s", double(fResult), km ? "dB/km" : "dB/mi");
-            snprintf(length, sizeof length, km ? "%f km" : "%f mi", double(m_fLength));
-            FixedText::copyMeasurement(m_result.fiberLength, length);
-            break;
-        }
-        case LossLim_dB:
-            fResult = toFloat(ref - double(fReading));
-            snprintf(text, sizeof text, "%.6f %s", double(fResult), "dB");
-            FixedText::copy(m_result.fiberLength, "");
-            break;
-        default:
-            puts("Show result, Loss Meter mode, uint error!");
-            return;
-        }
-    } else {
-        switch (m_eRusultUnit) {
-        case mW:
-            fResult = toFloat(std::pow(10.0, double(fReading) / 10.0));
-            snprintf(text, sizeof text, "%.6f %s", double(fResult), "mW");
-            FixedText::copy(m_result.limitsUnit, "mW");
-            printf("*****%f---%f********\n", double(fReading), double(fResult));
-            break;
-        case uW:
-            fResult = toFloat(std::pow(10.0, double(fReading) / 10.0) * 1000.0);
-            snprintf(text, sizeof text, "%.6f %s", double(fResult), "uW");
-            FixedText::copy(m_result.limitsUnit, "uW");
-            break;
-        case dB: {
-            fResult = fReading;
-            const char* unit = std::strcmp(Opm.unit, "dB") == 0 ? "dB" : "dBm";
-            snprintf(text, sizeof text, "%.3f %s", double(fResult), unit);
-            showLatin1(m_pdBm, unit);
-            FixedText::copy(m_result.limitsUnit, unit);
-            break;
-        }
-        default:
-            puts("Show result, Power Meter mode, unit idc error!");
-            return;
-        }
-    }
 
     showTextColour(m_pOpmCurValue, m_qColorTextColor);
     showLatin1(m_pOpmCurValue, text);
@@ -837,7 +780,7 @@ void NerioOpm::onParmLineEditChanged()
     m_config.COpmSetupConfigSave();
 }
 
-int NerioOpm::setPowerLimits(CLineEdit* pParmLineEdit)
+void NerioOpm::setPowerLimits(CLineEdit* pParmLineEdit)
 {
     bool bShowErrWnd = false;
     const float value = textToFloat(pParmLineEdit->text());
@@ -859,7 +802,6 @@ int NerioOpm::setPowerLimits(CLineEdit* pParmLineEdit)
     }
     if (bShowErrWnd)
         showInputError(QObject::tr("Minimum must be less or equal to Maximum! Please input again."));
-    return 0;
 }
 
 void NerioOpm::onStateChanged() { setEditSate(); }
@@ -898,12 +840,6 @@ void NerioOpm::setEditSate()
 }
 
 void NerioOpm::setEnable(CLineEdit* pWidget, bool flag) { pWidget->setEnabled(flag); }
-
-void NerioOpm::setEnable(CPushButton* pWidget, bool flag)
-{
-    pWidget->setEnabled(flag);
-    pWidget->setStyle(flag ? CPushButton::StyleGreen : CPushButton::StyleGray, false);
-}
 
 void NerioOpm::onBtnChanged()
 {

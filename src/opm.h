@@ -2,6 +2,7 @@
 #define OPM_H
 
 #include "cwidget.h"
+#include "opmSetupConfig.h"
 #include "opmShareRecord.h"
 
 #include <QColor>
@@ -54,32 +55,6 @@ OPM_STATIC_ASSERT(offsetof(Result, isLimit) == 144, isLimit_at_144);
 OPM_STATIC_ASSERT(offsetof(Result, time) == 145, time_at_145);
 OPM_STATIC_ASSERT(sizeof(Result) == 175, a_result_is_175_bytes);
 
-// The operator's setup as it is kept in the settings file, one text per key.
-class COpmSetupConfig
-{
-public:
-    COpmSetupConfig();
-    ~COpmSetupConfig();
-
-    void COpmSetupConfigLoad();
-    void COpmSetupConfigSave();
-    void debugCOpmSetupConfig();
-
-    QString mWaveLenth;
-    QString mTestMode;
-    QString mUnit;
-    QString mPowerLimit;
-    QString mPowerLimitMin;
-    QString mPowerLimitMax;
-    QString mlossUnit;
-    QString mlossLength;
-    QString mreference850;
-    QString mreference1310;
-    QString mreference1490;
-    QString mreference1550;
-    QString mreference1625;
-};
-
 // The Setup tab: live reading of the power reader, the setup controls and the reference level.
 class NerioOpm : public CWidget
 {
@@ -127,10 +102,9 @@ private:
     void updateResultSummary();
     void deleteSpace(char* ptr);
     void saveResult();
-    int setPowerLimits(CLineEdit* pParmLineEdit);
+    void setPowerLimits(CLineEdit* pParmLineEdit);
     void setEditSate();
     void setEnable(CLineEdit* pWidget, bool flag);
-    void setEnable(CPushButton* pWidget, bool flag);
 
     // Helpers of the operations above.
     bool isShareMemReady() const;

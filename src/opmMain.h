@@ -4,7 +4,6 @@
 #include "cwidget.h"
 #include "opm.h"
 
-#include <cstddef>
 #include <cstdio>
 #include <list>
 
@@ -67,9 +66,5 @@ private:
     COpmShowResultPage* m_pTableShowResult;
     halmanager::PlatE2PromServ* m_pE2promserv;
 };
-
-// The software version: the first line of the vendor information file from "Common" on.
-// 0 when the file was read, -1 when it cannot be opened, -2 for null arguments or no room.
-int opmGetVersion(const char* sPath, char* pOut, size_t nOutLength);
 
 #endif // OPMMAIN_H

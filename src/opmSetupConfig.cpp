@@ -1,4 +1,4 @@
-#include "opm.h"
+#include "opmSetupConfig.h"
 
 #include "devicePaths.h"
 

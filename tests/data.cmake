@@ -1,8 +1,3 @@
-# The data the measurement page stands on: the reader's record, bounded texts, the setup file,
-# the result store and the gauge.
-opm_add_test(tst_sharerecord data/tst_sharerecord.cpp)
-opm_add_test(tst_fixedtext data/tst_fixedtext.cpp)
-opm_add_test(tst_setupconfig data/tst_setupconfig.cpp)
-opm_add_test(tst_resultstore data/tst_resultstore.cpp)
+# The data the measurement page stands on: bounded texts and the reading's text, the gauge.
+opm_add_test(tst_texts data/tst_texts.cpp)
 opm_add_test(tst_offsetbar data/tst_offsetbar.cpp)
-opm_add_test(tst_setuptexts data/tst_setuptexts.cpp)

@@ -10,5 +10,4 @@ opm_add_test(tst_qt4loader loader/tst_qt4loader.cpp)
 target_compile_definitions(tst_qt4loader PRIVATE
     OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     OPM_TESTROOT_PLUGIN_FILE="$<TARGET_FILE:opmplugin_testroot>")
-target_include_directories(tst_qt4loader PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/shell)
 add_dependencies(tst_qt4loader opmplugin opmplugin_testroot)

@@ -1,21 +1,25 @@
-# The plug-in shell: host contract, reader control, device paths and the platform stand-ins.
+# The plug-in shell: host contract, the reader's life, the host against open boxes, and the
+# device paths.
 
-opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp shell/shellTestSupport.h)
+# A kill right after the reader's start needs a shell that is slow to start the reader.
+add_library(slowReaderStart MODULE support/slowReaderStart.cpp)
+target_link_libraries(slowReaderStart PRIVATE ${CMAKE_DL_LIBS})
+# Preloaded into the system's shell, which carries no sanitizer runtime.
+target_compile_options(slowReaderStart PRIVATE -fno-sanitize=all)
+target_link_options(slowReaderStart PRIVATE -fno-sanitize=all)
+
+opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp ${CMAKE_CURRENT_SOURCE_DIR}/support/opmPageProbe.h)
 target_link_libraries(tst_opmplugin PRIVATE pluginverify)
-target_compile_definitions(tst_opmplugin PRIVATE OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>")
-add_dependencies(tst_opmplugin opmplugin)
-
-opm_add_test(tst_readercontrol shell/tst_readercontrol.cpp shell/shellTestSupport.h)
-
-opm_add_test(tst_platform shell/tst_platform.cpp)
+target_compile_definitions(tst_opmplugin PRIVATE
+    OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
+    SLOW_READER_START_LIBRARY="$<TARGET_FILE:slowReaderStart>")
+add_dependencies(tst_opmplugin opmplugin slowReaderStart)
 
 # The product's own device root: this suite must not link the test support library, which
 # brings a root of its own.
 add_executable(tst_devicepaths shell/tst_devicepaths.cpp ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp)
-target_include_directories(tst_devicepaths PRIVATE ${PROJECT_SOURCE_DIR}/src
-                                                   ${CMAKE_CURRENT_SOURCE_DIR}/support)
-# Widgets for the toolkit helpers' headers only.
-target_link_libraries(tst_devicepaths PRIVATE opmroot_product OpmQt::Widgets OpmQt::Test)
+target_include_directories(tst_devicepaths PRIVATE ${PROJECT_SOURCE_DIR}/src)
+target_link_libraries(tst_devicepaths PRIVATE opmroot_product OpmQt::Core OpmQt::Test)
 target_compile_definitions(tst_devicepaths PRIVATE
     OPM_PRODUCT_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     OPM_PRODUCT_PROGRAM_FILE="$<TARGET_FILE:opm>"

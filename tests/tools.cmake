@@ -13,18 +13,13 @@ foreach(fake ${OPM_FAKE_PLUGINS})
     math(EXPR variant "${variant} + 1")
 endforeach()
 
-opm_add_test(tst_shellstandin tools/tst_shellstandin.cpp)
-target_compile_definitions(tst_shellstandin PRIVATE
+opm_add_test(tst_tools tools/tst_tools.cpp)
+target_compile_definitions(tst_tools PRIVATE
+    LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
     OPMSHELL_PATH="$<TARGET_FILE:opmshell>"
     DEMO_PLUGIN_PATH="$<TARGET_FILE:opmplugin_demo>"
     ${OPM_FAKE_PLUGIN_DEFINITIONS})
-add_dependencies(tst_shellstandin opmshell opmplugin_demo)
+add_dependencies(tst_tools opmshell opmplugin_demo lumenProbe)
 foreach(fake ${OPM_FAKE_PLUGINS})
-    add_dependencies(tst_shellstandin fakeplugin_${fake})
+    add_dependencies(tst_tools fakeplugin_${fake})
 endforeach()
-
-opm_add_test(tst_lumenprobe tools/tst_lumenprobe.cpp)
-target_compile_definitions(tst_lumenprobe PRIVATE
-    LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
-    OPMRECORD_PATH="$<TARGET_FILE:opmrecord>")
-add_dependencies(tst_lumenprobe lumenProbe opmrecord)

@@ -1,9 +1,10 @@
 // The gauge: position and marker for values inside, at and beyond the limits, degenerate limits
-// and values, clearing, labels, and where the marker lands on the screen.
+// and values, clearing, labels, and what a new value repaints.
 #include "offsetBar.h"
 #include "qtCompat.h"
 
 #include <QImage>
+#include <QPaintEvent>
 #include <QtTest>
 
 #include <climits>
@@ -25,25 +26,21 @@ private slots:
 void TestOffsetBar::labelsAndClear()
 {
     OffsetBar bar;
-    QCOMPARE(bar.minLabel(), QString::fromLatin1("-60"));
-    QCOMPARE(bar.maxLabel(), QString::fromLatin1("10"));
+    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), QString("-60 10"));
     bar.setRangedOffset(-1e15, 1e15, 0.0); // longer than 15 characters
-    QCOMPARE(bar.minLabel(), QString::fromLatin1("-1000000000000000.00"));
-    QCOMPARE(bar.maxLabel(), QString::fromLatin1("1000000000000000.00"));
+    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), QString("-1000000000000000.00 1000000000000000.00"));
 
     // clear() keeps limits, value and labels: the marker is placed from the lower limit.
     bar.setRangedOffset(-20.0, -10.0, -15.0);
     bar.clear();
     QCOMPARE(bar.percent(), 0);
     QCOMPARE(bar.markerX(), 122);
-    QCOMPARE(bar.minLabel(), QString::fromLatin1("-20.00"));
-    QCOMPARE(bar.maxLabel(), QString::fromLatin1("-10.00"));
+    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), QString("-20.00 -10.00"));
 
     // Limits equal to the constructor's still get labels of their own.
     OffsetBar fresh;
     fresh.setRangedOffset(-60.0, 10.0, 0.0);
-    QCOMPARE(fresh.minLabel(), QString::fromLatin1("-60.00"));
-    QCOMPARE(fresh.maxLabel(), QString::fromLatin1("10.00"));
+    QCOMPARE(fresh.minLabel() + ' ' + fresh.maxLabel(), QString("-60.00 10.00"));
 }
 
 void TestOffsetBar::position_data()
@@ -60,7 +57,6 @@ void TestOffsetBar::position_data()
     QTest::newRow("after construction: position 0, value 0, limits -60 and 10")
             << int(Constructed) << 0.0 << 0.0 << 0.0 << 0 << 184;
     QTest::newRow("lower limit") << int(Doubles) << -20.0 << -10.0 << -20.0 << 0 << 36;
-    QTest::newRow("half a per cent in") << int(Doubles) << -20.0 << -10.0 << -19.95 << 0 << 36;
     QTest::newRow("middle") << int(Doubles) << -20.0 << -10.0 << -15.0 << 50 << 122;
     QTest::newRow("upper limit") << int(Doubles) << -20.0 << -10.0 << -10.0 << 100 << 209;
     QTest::newRow("1 below") << int(Doubles) << -20.0 << -10.0 << -21.0 << 0 << 19;
@@ -70,7 +66,6 @@ void TestOffsetBar::position_data()
     QTest::newRow("2.1 above: outer end") << int(Doubles) << -20.0 << -10.0 << -7.9 << 100 << 240;
     QTest::newRow("equal limits, below") << int(Doubles) << -10.0 << -10.0 << -11.0 << 0 << 0;
     QTest::newRow("equal limits, above") << int(Doubles) << -10.0 << -10.0 << -9.0 << 100 << 240;
-    QTest::newRow("equal limits, equal") << int(Doubles) << -10.0 << -10.0 << -10.0 << 100 << 209;
     QTest::newRow("NaN value") << int(Doubles) << -20.0 << -10.0 << nan << 0 << 0;
     QTest::newRow("infinite value") << int(Doubles) << -20.0 << -10.0 << inf << 100 << 240;
     QTest::newRow("whole numbers, widest range")
@@ -99,62 +94,59 @@ void TestOffsetBar::position()
     QVERIFY(markerX == 0 || QColor(image.pixel(markerX - 1, 12)) != QColor(Qt::blue));
 }
 
-class PaintCounter : public QObject
+class PaintRegion : public QObject
 {
 public:
-    bool eventFilter(QObject*, QEvent* event) override
+    bool eventFilter(QObject*, QEvent* event)
     {
-        paints += event->type() == QEvent::Paint;
+        if (event->type() == QEvent::Paint)
+            region += static_cast<QPaintEvent*>(event)->region();
         return false;
     }
-    int paints = 0;
+    QRegion region;
 };
 
-// The page updates the bar on every tick: only what shows differently may repaint it.
+// The page updates the bar on every tick: only what shows differently is repainted, the old and
+// the new marker's place when the marker moves, everything when a label changes.
 void TestOffsetBar::repaint_data()
 {
-    QTest::addColumn<QVector<double>>("before"); // low, high, value
-    QTest::addColumn<QVector<double>>("after");
-    QTest::addColumn<bool>("repainted");
-    using Bar = QVector<double>;
-    QTest::newRow("same reading") << Bar { -60, 10, -12.34 } << Bar { -60, 10, -12.34 } << false;
-    QTest::newRow("reading moves less than a pixel")
-            << Bar { -60, 10, -12.34 } << Bar { -60, 10, -12.35 } << false;
-    QTest::newRow("marker moves") << Bar { -60, 10, -12 } << Bar { -60, 10, -5 } << true;
-    QTest::newRow("further below the lower limit")
-            << Bar { -20, -10, -21 } << Bar { -20, -10, -22 } << true;
-    QTest::newRow("new limits, marker in place")
-            << Bar { -60, 10, -25 } << Bar { -70, 0, -35 } << true;
+    QTest::addColumn<QString>("before"); // low high value
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<QString>("repainted"); // nothing, markers or all
+    QTest::newRow("same reading") << "-60 10 -12.34" << "-60 10 -12.34" << "nothing";
+    QTest::newRow("reading moves less than a pixel") << "-60 10 -12.34" << "-60 10 -12.35" << "nothing";
+    QTest::newRow("marker moves") << "-60 10 -12" << "-60 10 -5" << "markers";
+    QTest::newRow("further below the lower limit") << "-20 -10 -21" << "-20 -10 -22" << "markers";
+    QTest::newRow("new limits, marker in place") << "-60 10 -25" << "-70 0 -35" << "all";
 }
 
 void TestOffsetBar::repaint()
 {
-    QFETCH(QVector<double>, before);
-    QFETCH(QVector<double>, after);
-    QFETCH(bool, repainted);
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    QFETCH(QString, repainted);
 #ifdef Q_WS_QWS
     // The embedded display server places a new window later and repaints it on its own
-    // schedule; the count and the grab of the screen hold for a window system's windows.
+    // schedule; the repaints hold for a window system's windows.
     OPM_SKIP("repaints are counted on X11 and offscreen windows only");
 #endif
+    const QStringList b = before.split(' '), a = after.split(' ');
 
     OffsetBar bar;
-    bar.setRangedOffset(before[0], before[1], before[2]);
+    bar.setRangedOffset(b[0].toDouble(), b[1].toDouble(), b[2].toDouble());
     bar.show();
     QVERIFY(TestCompat::waitForShown(&bar));
     QCoreApplication::processEvents();
-    PaintCounter counter;
-    bar.installEventFilter(&counter);
-    bar.setRangedOffset(after[0], after[1], after[2]);
+    const int oldX = bar.markerX();
+    PaintRegion painted;
+    bar.installEventFilter(&painted);
+    bar.setRangedOffset(a[0].toDouble(), a[1].toDouble(), a[2].toDouble());
     QCoreApplication::processEvents();
-    QCOMPARE(counter.paints > 0, repainted);
-
-    // What the screen shows after the partial repaint is a bar drawn afresh.
-    OffsetBar fresh;
-    fresh.setRangedOffset(after[0], after[1], after[2]);
-    const QImage shown = TestCompat::grabWindow(&bar).toImage();
-    QCOMPARE(shown.convertToFormat(QImage::Format_RGB32),
-             TestCompat::grab(&fresh).toImage().convertToFormat(QImage::Format_RGB32));
+    const QRect labels(0, 26, bar.width(), bar.height() - 26);
+    QCOMPARE(painted.region.isEmpty(), repainted == "nothing");
+    QCOMPARE(painted.region.intersects(labels), repainted == "all");
+    if (repainted == "markers")
+        QVERIFY(painted.region.contains(QRect(oldX, 12, 5, 1)) && painted.region.contains(QRect(bar.markerX(), 12, 5, 1)));
 }
 
 QTEST_MAIN(TestOffsetBar)

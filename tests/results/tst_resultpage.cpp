@@ -1,15 +1,74 @@
-// The Result tab: one line per saved reading, built when the tab opens, blanked when it closes.
+// The process-wide store of saved readings, and the Result tab: one line per saved reading, built
+// when the tab opens, blanked when it closes.
 #include "opmPageProbe.h"
 #include "resultRows.h"
+
+#include <QDateTime>
+
+#include <list>
+
+namespace {
+
+CBrovaOpmDataEngine* store() { return CBrovaOpmDataEngine::getSingleInstance(); }
+
+// Reading number n carries n as its value text.
+Result reading(int n)
+{
+    Result r;
+    std::memset(&r, 0, sizeof r);
+    FixedText::copy(r.value, QByteArray::number(n).constData());
+    return r;
+}
+
+// The values of a list after the store's records are appended to it.
+QString withStored(std::list<Result> list)
+{
+    store()->getAllResultItem(list);
+    QStringList numbers;
+    for (std::list<Result>::const_iterator it = list.begin(); it != list.end(); ++it)
+        numbers << QString::fromLatin1(it->value);
+    return numbers.join(" ");
+}
+
+QByteArray bytesOf(const Result& r) { return QByteArray(reinterpret_cast<const char*>(&r), sizeof r); }
+
+} // namespace
 
 class TestResultPage : public QObject
 {
     Q_OBJECT
 private slots:
+    void store();
     void lines_data();
     void lines();
-    void clearReachesSetupSummary();
 };
+
+// An add stamps the caller's record and the stored copy with the local time, to the second. The
+// thirteenth reading drops the oldest; the copies are appended to what a list holds, oldest
+// first. The newest record of an empty store is zero-filled.
+void TestResultPage::store()
+{
+    ::store()->clearAllresultItem();
+    QCOMPARE(bytesOf(::store()->getLastResultItem()), QByteArray(sizeof(Result), '\0'));
+    Result first = reading(1);
+    const QDateTime before = QDateTime::currentDateTime();
+    ::store()->addResultItem(first);
+    const QDateTime after = QDateTime::currentDateTime();
+    QCOMPARE(bytesOf(::store()->getLastResultItem()), bytesOf(first));
+    const QString format("yyyy-MM-dd HH:mm:ss");
+    QVERIFY2(first.time == before.toString(format) || first.time == after.toString(format), first.time);
+
+    for (int n = 2; n <= 13; ++n) {
+        Result r = reading(n);
+        ::store()->addResultItem(r);
+    }
+    QCOMPARE(::store()->getResultItemCount(), 12);
+    QCOMPARE(QString::fromLatin1(::store()->getLastResultItem().value), QString("13"));
+    QCOMPARE(withStored(std::list<Result>(1, reading(100))), QString("100 2 3 4 5 6 7 8 9 10 11 12 13"));
+    ::store()->clearAllresultItem();
+    QCOMPARE(withStored(std::list<Result>()), QString());
+    QCOMPARE(bytesOf(::store()->getLastResultItem()), QByteArray(sizeof(Result), '\0'));
+}
 
 void TestResultPage::lines_data()
 {
@@ -18,29 +77,19 @@ void TestResultPage::lines_data()
 
     QTest::newRow("empty store") << QStringList() << QStringList();
     QTest::newRow("limits on and off")
-        << QStringList { "Power Meter|1550|-12.345 dBm|YES", "Loss Meter|850|2.750000 dB/km|",
-               "Power Meter|1310|0.000120 mW|NO" }
-        << QStringList {
-               "Loc #1 , Wave length:1550 nm , Mode:Power Meter , Value:-12.345 dBm , Pass:YES",
-               "Loc #2 , Wave length:850 nm , Mode:Loss Meter , Value:2.750000 dB/km",
-               "Loc #3 , Wave length:1310 nm , Mode:Power Meter , Value:0.000120 mW , Pass:NO"
-           };
-
+            << (QStringList() << "Power Meter|1550|-12.345 dBm|YES" << "Loss Meter|850|2.750000 dB/km|")
+            << (QStringList() << "Loc #1 , Wave length:1550 nm , Mode:Power Meter , Value:-12.345 dBm , Pass:YES"
+                              << "Loc #2 , Wave length:850 nm , Mode:Loss Meter , Value:2.750000 dB/km");
     QStringList twelve, twelveLines;
     for (int i = 1; i <= 12; ++i) {
         twelve << QString("Power Meter|1625|-%1.000 dBm|").arg(i);
-        twelveLines << QString(
-            "Loc #%1 , Wave length:1625 nm , Mode:Power Meter , Value:-%1.000 dBm")
-                           .arg(i);
+        twelveLines << QString("Loc #%1 , Wave length:1625 nm , Mode:Power Meter , Value:-%1.000 dBm").arg(i);
     }
     QTest::newRow("twelve, oldest first") << twelve << twelveLines;
-
     // Every field at its full width: the line is cut at 99 characters.
     const QString w(15, 'W');
-    const QString full
-        = QString("Loc #1 , Wave length:%1 nm , Mode:%1 , Value:%1 , Pass:%1").arg(w);
-    QTest::newRow("full-width fields")
-        << QStringList { QStringList { w, w, w, w }.join("|") } << QStringList { full.left(99) };
+    QTest::newRow("full-width fields") << QStringList((QStringList() << w << w << w << w).join("|"))
+            << QStringList(QString("Loc #1 , Wave length:%1 nm , Mode:%1 , Value:%1 , Pass:%1").arg(w).left(99));
 }
 
 void TestResultPage::lines()
@@ -53,36 +102,19 @@ void TestResultPage::lines()
     expected += blank.mid(expected.size());
 
     TestDeviceRoot root;
-    CBrovaOpmDataEngine* store = CBrovaOpmDataEngine::getSingleInstance();
     storeResults(results);
     COpmShowResultPage page;
     QCOMPARE(OpmPageProbe::lines(&page), blank);
-
     page.show();
     QCOMPARE(OpmPageProbe::lines(&page), expected);
     page.hide();
     QCOMPARE(OpmPageProbe::lines(&page), blank);
     page.show();
     QCOMPARE(OpmPageProbe::lines(&page), expected);
-    QCOMPARE(store->getResultItemCount(), results.size());
 
     OpmPageProbe::m_pClear(&page)->click();
     QCOMPARE(OpmPageProbe::lines(&page), blank);
-    QCOMPARE(store->getResultItemCount(), 0);
-}
-
-void TestResultPage::clearReachesSetupSummary()
-{
-    PageFixture fx;
-    fx.act("show 1550 -12.34; click save; tick");
-    QCOMPARE(fx.state().value("summary"),
-        QString("Last Saved - Loc#1 Wave length:1550 nm , Mode:Power Meter , Value:-12.340 dBm"));
-
-    COpmShowResultPage page;
-    page.show();
-    OpmPageProbe::m_pClear(&page)->click();
-    fx.act("tick");
-    fx.verify({ { "summary", " " }, { "stored", "0" } });
+    QCOMPARE(CBrovaOpmDataEngine::getSingleInstance()->getResultItemCount(), 0);
 }
 
 QTEST_MAIN(TestResultPage)

@@ -1,58 +1,106 @@
 // The host's side of the plug-in: its life cycle as the shell drives it, the export, the
-// identity and the verification text, also as the built plug-in file holds them.
+// identity and the verification text, also as the built plug-in file holds them; the power
+// reader's life, which the main page owns: one reader while the plug-in runs, none after it
+// stopped or the page went, also with a kill right after a slow start; and the host destroying
+// the page while one of its boxes is open. The reader is a stand-in in the test's own root; the
+// commands reach only the readers of that root, whatever its name.
 #include "ctabwidget.h"
 #include "cutilwindow.h"
+#include "devicePaths.h"
 #include "elfSection.h"
-#include "opmMain.h"
-#include "opmShowResult.h"
+#include "opmPageProbe.h"
 #include "opmplugin.h"
-#include "shellTestSupport.h"
+#include "verificationText.h"
 
-#include <QtTest>
+#include <QElapsedTimer>
+#include <QLibrary>
+#include <QPointer>
+#include <QProcess>
 
+#include <cstdlib>
 #include <memory>
 
-static const QByteArray kVerificationText("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.8.4\n"
-                                          "debug=true\nbuildkey=i386 linux g++-4 full-config");
+namespace {
+
+// While it lives, the shell takes ms to start the reader.
+class SlowReaderStart
+{
+public:
+    explicit SlowReaderStart(int ms)
+    {
+        setenv("SLOW_READER_START_MS", QByteArray::number(ms).constData(), 1);
+        setenv("LD_PRELOAD", SLOW_READER_START_LIBRARY, 1);
+    }
+    ~SlowReaderStart()
+    {
+        unsetenv("LD_PRELOAD");
+        unsetenv("SLOW_READER_START_MS");
+    }
+};
+
+// The library goes into the system's shell only where both are built for the same word size
+// (not in the 32-bit set build run on a 64-bit PC).
+bool shellTakesLibrary()
+{
+    QFile shell("/bin/sh"), library(SLOW_READER_START_LIBRARY);
+    return shell.open(QIODevice::ReadOnly) && library.open(QIODevice::ReadOnly)
+            && shell.read(5).right(1) == library.read(5).right(1);
+}
+
+} // namespace
 
 class TestOpmPlugin : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void cleanup();
 
     void nothingHappensBeforeStart();
-    void twoStartsMakeOneWindowAndPage();
-    void terminateThenStartShowsOldWindow();
+    void startStopTerminate();
     void instanceIsSingleWithIdentity();
-    void verificationTextInFunctionAndBuiltFile();
+    void verificationText();
+    void startKillStartLeavesOneReader();
+    void readerTooSlowTracedOnce();
+    void hostEndsPageDuringBox_data();
+    void hostEndsPageDuringBox();
 
 private:
     UtilInterface* plugin();
 
     std::unique_ptr<TestDeviceRoot> m_root;
+    std::unique_ptr<ModalBoxCloser> m_boxes;
     std::unique_ptr<QWidget> m_parents[2]; // frames of the host's, shown
     QPointer<QObject> m_instance;
 };
+
+void TestOpmPlugin::initTestCase()
+{
+    // The temporary roots are named after the application: blanks, quotes and shell
+    // characters in their names must not trouble the commands.
+    QCoreApplication::setApplicationName("opm root'$HOME`x`;&");
+}
 
 void TestOpmPlugin::init()
 {
     m_root.reset(new TestDeviceRoot);
     QVERIFY(m_root->isValid());
-    QVERIFY(m_root->installReaderStandIn());
-    for (auto& parent : m_parents) {
-        parent.reset(new QWidget);
-        parent->show();
+    QVERIFY(m_root->installReader());
+    m_boxes.reset(new ModalBoxCloser);
+    for (int i = 0; i < 2; ++i) {
+        m_parents[i].reset(new QWidget);
+        m_parents[i]->show();
     }
 }
 
 void TestOpmPlugin::cleanup()
 {
     delete m_instance.data();
-    for (auto& parent : m_parents)
-        parent.reset();
+    for (int i = 0; i < 2; ++i)
+        m_parents[i].reset();
+    m_boxes.reset();
     m_root.reset();
 }
 
@@ -62,46 +110,41 @@ UtilInterface* TestOpmPlugin::plugin()
     return qobject_cast<UtilInterface*>(m_instance.data());
 }
 
+// Before a start the host's other calls do nothing: no trace, no window, no reader.
 void TestOpmPlugin::nothingHappensBeforeStart()
 {
     UtilInterface* host = plugin();
     QVERIFY(host);
-    QWidget* parent = m_parents[0].get();
-    QVERIFY(!host->getObject());
-
     StdoutCapture capture;
-    const bool background = host->bkgRun(parent);
+    QVERIFY(host->bkgRun(m_parents[0].get()));
     host->show();
     host->hide();
     host->update();
     host->terminate();
-    const bool stopped = host->stop();
-    const QByteArray trace = capture.take();
-
-    QVERIFY(background);
-    QVERIFY(!stopped);
-    QVERIFY2(trace.isEmpty(), trace.constData());
-    QVERIFY(!host->bIsStarted);
-    QVERIFY(!host->getObject());
-    QVERIFY(parent->findChildren<QWidget*>().isEmpty());
-    QCOMPARE(m_root->readerStarts(), 0);
+    QVERIFY(!host->stop());
+    QCOMPARE(capture.take(), QByteArray());
+    QVERIFY(!host->bIsStarted && !host->getObject());
+    QVERIFY(m_parents[0]->findChildren<QWidget*>().isEmpty());
+    QVERIFY(m_root->readFile("/reader-starts").isEmpty());
 }
 
-void TestOpmPlugin::twoStartsMakeOneWindowAndPage()
+// Two starts make one window with one page (its tabs in the set's page size) and leave one
+// reader; stop leaves none, start one again; after terminate a start shows the old window. A
+// reader of another root is left alone throughout.
+void TestOpmPlugin::startStopTerminate()
 {
+    TestCompat::TempDir other;
+    const QString otherReader = other.path() + "/usr/local/brova/bin/lumenProbe";
+    QVERIFY(QDir().mkpath(QFileInfo(otherReader).path()));
+    QVERIFY(QFile::copy(DevicePaths::readerProgram(), otherReader));
+    QProcess foreign;
+    foreign.start(otherReader, QStringList());
+    QVERIFY(foreign.waitForStarted(20000));
     UtilInterface* host = plugin();
     QWidget* parent = m_parents[0].get();
-
-    StdoutCapture capture;
-    const bool first = host->start(parent);
-    const bool second = host->start(parent);
-    const QByteArray trace = capture.take();
-
-    QVERIFY(first);
-    QVERIFY(second);
+    QVERIFY(host->start(parent));
+    QVERIFY(host->start(parent));
     QVERIFY(host->bIsStarted);
-    QCOMPARE(trace.split('\n').count("COpmMainPage::COpmMainPage "), 1);
-    QCOMPARE(trace.split('\n').count("COpmMainPage::enterInit "), 2);
     const QList<CUtilWindow*> windows = parent->findChildren<CUtilWindow*>();
     const QList<COpmMainPage*> pages = parent->findChildren<COpmMainPage*>();
     QCOMPARE(windows.size(), 1);
@@ -109,52 +152,46 @@ void TestOpmPlugin::twoStartsMakeOneWindowAndPage()
     QCOMPARE(host->getObject(), static_cast<QObject*>(windows.first()));
     QCOMPARE(windows.first()->centralWidget(), static_cast<QWidget*>(pages.first()));
     QVERIFY(windows.first()->isVisible());
-    auto* tabs = pages.first()->findChild<CTabWidget*>();
-    QVERIFY(tabs && qobject_cast<NerioOpm*>(tabs->widget(0))
-        && qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
-    QCOMPARE(tabs->tabText(0) + '|' + tabs->tabText(1) + '|' + tabs->tabText(2),
-        QString::fromLatin1("Setup|Result|"));
+    CTabWidget* tabs = pages.first()->findChild<CTabWidget*>();
+    QVERIFY(tabs && qobject_cast<NerioOpm*>(tabs->widget(0)) && qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
+    QCOMPARE(tabs->tabText(0) + '|' + tabs->tabText(1) + '|' + tabs->tabText(2), QString("Setup|Result|"));
     QCOMPARE(tabs->size(), QSize(658, 398));
-    QVERIFY(readersSettleAt(*m_root, 1));
-}
+    QVERIFY(m_root->readersSettleAt(1));
 
-void TestOpmPlugin::terminateThenStartShowsOldWindow()
-{
-    UtilInterface* host = plugin();
-    QWidget* firstParent = m_parents[0].get();
-    QWidget* otherParent = m_parents[1].get();
-    QVERIFY(host->start(firstParent));
-    QPointer<QWidget> window = qobject_cast<QWidget*>(host->getObject());
-    QVERIFY(window);
+    QVERIFY(host->stop());
+    QVERIFY(!windows.first()->isVisible());
+    QVERIFY(m_root->readersSettleAt(0));
+    QVERIFY(host->start(parent));
+    QVERIFY(m_root->readersSettleAt(1));
 
     host->terminate();
     QVERIFY(!host->bIsStarted);
-    QVERIFY(!window->isVisible());
-
-    QVERIFY(host->start(otherParent));
-    QVERIFY(host->bIsStarted);
-    QCOMPARE(host->getObject(), static_cast<QObject*>(window.data()));
-    QCOMPARE(window->parentWidget(), firstParent);
-    QVERIFY(window->isVisible());
-    QVERIFY(otherParent->findChildren<QWidget*>().isEmpty());
-    QCOMPARE(firstParent->findChildren<COpmMainPage*>().size(), 1);
-    QVERIFY(readersSettleAt(*m_root, 1));
+    QVERIFY(!windows.first()->isVisible());
+    QVERIFY(host->start(m_parents[1].get()));
+    QCOMPARE(host->getObject(), static_cast<QObject*>(windows.first()));
+    QCOMPARE(windows.first()->parentWidget(), parent);
+    QVERIFY(windows.first()->isVisible());
+    QVERIFY(m_parents[1]->findChildren<QWidget*>().isEmpty());
+    QVERIFY(m_root->readersSettleAt(1));
+    QCOMPARE(m_boxes->count(), 0);
+    // Had a kill reached the other reader it would be gone by now; spared, this only waits.
+    QVERIFY(!foreign.waitForFinished(500));
+    foreign.kill();
+    foreign.waitForFinished(20000);
 }
 
+// The one place the identity is compared, exactly.
 void TestOpmPlugin::instanceIsSingleWithIdentity()
 {
     QObject* first = qt_plugin_instance();
-    QVERIFY(first);
     QCOMPARE(qt_plugin_instance(), first);
     // The host casts the root object by the interface id.
     UtilInterface* expected = qobject_cast<NerioOpmPlugin*>(first);
     QVERIFY(expected);
-    QCOMPARE(first->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0"),
-        static_cast<void*>(expected));
-    QCOMPARE(expected->getPluginID(), QString::fromLatin1("com.corvaneinc.CommonUtil.NerioOpmPlugin"));
-    QCOMPARE(expected->getPluginName(), QString::fromLatin1("OpticalPowerMeter"));
-    QCOMPARE(expected->getPluginVersion(), QString::fromLatin1("1.0"));
-    QCOMPARE(expected->getPluginBuilder(), QString::fromLatin1("CORVANE"));
+    QCOMPARE(first->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0"), static_cast<void*>(expected));
+    QCOMPARE(expected->getPluginID() + '|' + expected->getPluginName() + '|' + expected->getPluginVersion() + '|'
+                     + expected->getPluginBuilder(),
+             QString("com.corvaneinc.CommonUtil.NerioOpmPlugin|OpticalPowerMeter|1.0|CORVANE"));
 
     // Once the object is gone the export makes a new one instead of handing out the old.
     delete first;
@@ -163,25 +200,150 @@ void TestOpmPlugin::instanceIsSingleWithIdentity()
     QCOMPARE(qt_plugin_instance(), m_instance.data());
 }
 
-void TestOpmPlugin::verificationTextInFunctionAndBuiltFile()
+// The text the shell accepts, the same through the function and in the section of the built
+// file, where the shell's loader reads it: the text and its NUL, nothing else.
+void TestOpmPlugin::verificationText()
 {
-    QCOMPARE(QByteArray(qt_plugin_query_verification_data()), kVerificationText);
-
-    // The section as the shell's loader reads it: the text and its NUL, nothing else.
-    std::vector<char> section;
+    const QByteArray text(qt_plugin_query_verification_data());
     std::string error;
-    QVERIFY2(PluginVerify::readElfSection(OPM_PLUGIN_FILE, ".qtplugin", &section, &error),
-        error.c_str());
-    QCOMPARE(QByteArray(section.data(), int(section.size())), kVerificationText + '\0');
+    QVERIFY2(PluginVerify::checkVerificationText(text.constData(), &error), error.c_str());
 
-    // What the built file exports, as the host calls it.
-    QLibrary module(QString::fromLatin1(OPM_PLUGIN_FILE));
-    const auto query
-        = reinterpret_cast<const char* (*)()>(module.resolve("qt_plugin_query_verification_data"));
+    std::vector<char> section;
+    QVERIFY2(PluginVerify::readElfSection(OPM_PLUGIN_FILE, ".qtplugin", &section, &error), error.c_str());
+    QCOMPARE(QByteArray(section.data(), int(section.size())), text + '\0');
+
+    QLibrary module(OPM_PLUGIN_FILE);
+    typedef const char* (*Query)();
+    const Query query = reinterpret_cast<Query>(module.resolve("qt_plugin_query_verification_data"));
     QVERIFY2(query, qPrintable(module.errorString()));
-    QVERIFY(reinterpret_cast<void*>(query)
-        != reinterpret_cast<void*>(&qt_plugin_query_verification_data));
-    QCOMPARE(QByteArray(query()), kVerificationText);
+    QVERIFY(reinterpret_cast<void*>(query) != reinterpret_cast<void*>(&qt_plugin_query_verification_data));
+    QCOMPARE(QByteArray(query()), text);
+}
+
+// The plug-in's start (the page's start, then enterInit's kill and start) and then enterInit
+// again and again, each right after the last.
+void TestOpmPlugin::startKillStartLeavesOneReader()
+{
+    if (!shellTakesLibrary())
+        OPM_SKIP("the system's shell cannot take the slow-start library here");
+    const int slowMs = 30;
+    SlowReaderStart slow(slowMs);
+    COpmMainPage page;
+    for (int i = 0; i < 100; ++i) {
+        page.enterInit();
+        page.enterInit();
+        // A start the shell has not carried out yet would show up within slowMs.
+        QTest::qWait(slowMs + 10);
+        QVERIFY2(m_root->readersSettleAt(1, 3000),
+            qPrintable(QString("%1 readers after sequence %2").arg(m_root->runningReaders().size()).arg(i)));
+    }
+    QTest::qWait(3 * slowMs);
+    QCOMPARE(m_root->runningReaders().size(), 1);
+}
+
+// A reader that takes longer than the page waits: the page goes on and says so once.
+void TestOpmPlugin::readerTooSlowTracedOnce()
+{
+    if (!shellTakesLibrary())
+        OPM_SKIP("the system's shell cannot take the slow-start library here");
+    std::unique_ptr<COpmMainPage> page(new COpmMainPage);
+    QVERIFY(m_root->readersSettleAt(1, 3000));
+    QElapsedTimer took;
+    QByteArray trace;
+    {
+        SlowReaderStart slow(1500);
+        StdoutCapture capture;
+        took.start();
+        page->enterInit();
+        trace = capture.take();
+    }
+    const qint64 ms = took.elapsed();
+    // The late reader comes all the same, and goes with the page.
+    const bool came = m_root->readersSettleAt(1, 5000);
+    page.reset();
+    QVERIFY(m_root->readersSettleAt(0, 3000));
+    QVERIFY(came);
+    QVERIFY2(ms < 1000, qPrintable(QString::number(ms)));
+    QCOMPARE(trace.count("no reader"), 1);
+}
+
+void TestOpmPlugin::hostEndsPageDuringBox_data()
+{
+    QTest::addColumn<QString>("steps"); // on the Setup tab, the last one opens the box; or F1
+    QTest::addColumn<QString>("destroy"); // what the host destroys while the box is open
+    const char* const boxes[][2] = {
+        { "warning box", "tick; click save" },
+        { "keypad", "F1" },
+        { "reference dialog", "choose mode 1; tick; click reference" },
+        { "error box", "click limits; enter min 50" },
+    };
+    const char* const hosts[] = { "page", "window", "plug-in" };
+    for (size_t b = 0; b < sizeof boxes / sizeof boxes[0]; ++b) {
+        for (size_t h = 0; h < sizeof hosts / sizeof hosts[0]; ++h)
+            QTest::newRow(qPrintable(QString("%1, %2").arg(boxes[b][0], hosts[h])))
+                << boxes[b][1] << hosts[h];
+    }
+}
+
+// The page's boxes against the host: the shell may destroy the page, its window or the plug-in
+// (with the frame it was started in) while a box of the page is open, from inside the box's
+// own event loop. That must end cleanly, and the plug-in must carry on without what is gone.
+void TestOpmPlugin::hostEndsPageDuringBox()
+{
+    QFETCH(QString, steps);
+    QFETCH(QString, destroy);
+    CBrovaOpmDataEngine* store = CBrovaOpmDataEngine::getSingleInstance();
+    store->clearAllresultItem();
+    for (int i = 0; i < CBrovaOpmDataEngine::kMaxResults; ++i) {
+        Result saved = {};
+        store->addResultItem(saved);
+    }
+
+    QPointer<QWidget> frame = new QWidget;
+    frame->show();
+    QPointer<QObject> plugin = qt_plugin_instance();
+    UtilInterface* host = qobject_cast<UtilInterface*>(plugin.data());
+    QVERIFY(host && host->start(frame));
+    QPointer<QWidget> window = qobject_cast<QWidget*>(host->getObject());
+    QPointer<COpmMainPage> page = window->findChild<COpmMainPage*>();
+    QVERIFY(page);
+    RecordWriter reader;
+    reader.setReading("1310", "dBm", "-5");
+
+    m_boxes->handler = [&](QWidget*) {
+        if (destroy == "page") {
+            delete page.data();
+        } else if (destroy == "window") {
+            delete window.data();
+        } else {
+            delete plugin.data();
+            delete frame.data();
+        }
+        return true;
+    };
+    if (steps == "F1")
+        QTest::keyClick(page.data(), Qt::Key_F1);
+    else
+        OpmPageProbe::act(OpmPageProbe::m_pTableOpmSetup(page), reader, steps);
+    OPM_TRY_COMPARE(m_boxes->count(), 1, 5000);
+    QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
+    QVERIFY(!page);
+    QVERIFY(!QApplication::activeModalWidget());
+    // The export was given up with its page: no report.
+    QVERIFY(QDir(DevicePaths::resultDir()).entryList(QDir::Files).isEmpty());
+
+    if (plugin) {
+        // The plug-in must not reach for what the host destroyed, and builds it anew.
+        QVERIFY(host->stop());
+        host->terminate();
+        QVERIFY(host->start(frame));
+        QWidget* newWindow = qobject_cast<QWidget*>(host->getObject());
+        QVERIFY(newWindow && newWindow->findChild<COpmMainPage*>());
+        delete plugin.data();
+    }
+    delete frame.data();
+    QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
+    QCOMPARE(m_boxes->count(), 1);
 }
 
 QTEST_MAIN(TestOpmPlugin)

@@ -1,18 +1,18 @@
 #include "testSupport.h"
 
 #include "devicePaths.h"
-#include "qtCompat.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QStringList>
 #include <QWidget>
 
-#include <cstdio>
+#include <algorithm>
 #include <cstring>
 #include <vector>
 #include <sys/ipc.h>
@@ -23,36 +23,69 @@
 #error "READER_STAND_IN_PATH names the reader stand-in program"
 #endif
 
-namespace {
-char g_root[4096] = "";
+Keys facts(const QString& text)
+{
+    Keys keys;
+    const QStringList items = text.split(QLatin1Char(';'));
+    for (int i = 0; i < items.size(); ++i) {
+        const int eq = items[i].indexOf(QLatin1Char('='));
+        if (eq < 0)
+            continue;
+        QString value = items[i].mid(eq + 1).trimmed();
+        if (value.size() >= 2 && value.startsWith(QLatin1Char('\'')) && value.endsWith(QLatin1Char('\'')))
+            value = value.mid(1, value.size() - 2);
+        keys.insert(items[i].left(eq).trimmed(), value);
+    }
+    return keys;
 }
 
-// The tests' device root: whatever folder the running TestDeviceRoot stands for.
-const char* deviceRoot() { return g_root; }
+const char kSetupDefaults[] = "Wavelength=850; TestMode=PowerMeter; UNIT=dB; PowerLimit=disable;"
+                              "PowerLimitMinimum=-60; PowerLimitMaximum=10; LossUnit=db; LossLength=1;"
+                              "Reference850=0; Reference1310=0; Reference1490=0; Reference1550=0; Reference1625=0";
+
+Keys storedSetup()
+{
+    QFile file(DevicePaths::settingFile());
+    const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return facts(text.section("[COpmSetup]\n", 1).section("\n[", 0, 0).replace('\n', ';').remove('"'));
+}
+
+QByteArray setupText(const Keys& keys)
+{
+    QByteArray text = "[COpmSetup]\n";
+    for (Keys::const_iterator it = keys.constBegin(); it != keys.constEnd(); ++it)
+        text += it.key().toUtf8() + '=' + it.value().toUtf8() + '\n';
+    return text;
+}
 
 namespace {
+
+char g_root[4096] = "";
 
 // Keys come from a folder's inode and may repeat between folders: take a folder whose key no
 // other suite running beside this one (or a crashed earlier run) holds a segment for.
-std::unique_ptr<TestCompat::TempDir> folderWithOwnSegment()
+TestCompat::TempDir* folderWithOwnSegment()
 {
-    std::vector<std::unique_ptr<TestCompat::TempDir>> taken;
+    std::vector<std::unique_ptr<TestCompat::TempDir> > taken;
     for (int attempt = 0; attempt < 64; ++attempt) {
         std::unique_ptr<TestCompat::TempDir> dir(new TestCompat::TempDir);
         if (!dir->isValid())
-            return dir;
+            return dir.release();
         const key_t key = ftok(QFile::encodeName(dir->path()).constData(), 1);
         if (key != -1 && shmget(key, kOpmShareSegmentSize, IPC_CREAT | IPC_EXCL | 0666) != -1)
-            return dir;
+            return dir.release();
         taken.push_back(std::move(dir));
     }
     qFatal("no folder with a shared-memory key of its own");
-    return nullptr;
+    return 0;
 }
 
 } // namespace
 
-TestDeviceRoot::TestDeviceRoot() : m_dir(folderWithOwnSegment())
+// The tests' device root: whatever folder the running TestDeviceRoot stands for.
+const char* deviceRoot() { return g_root; }
+
+TestDeviceRoot::TestDeviceRoot() : m_dir(folderWithOwnSegment()), m_standIn(false)
 {
     if (!isValid())
         return;
@@ -60,8 +93,9 @@ TestDeviceRoot::TestDeviceRoot() : m_dir(folderWithOwnSegment())
     if (size_t(root.size()) >= sizeof g_root)
         qFatal("test root path too long");
     std::memcpy(g_root, root.constData(), size_t(root.size()) + 1);
-    for (const char* dir : { "/home", "/usr/local/brova/bin", "/usr/local/brova/lib", "/etc/brova" })
-        QDir().mkpath(m_dir->path() + QLatin1String(dir));
+    const char* const dirs[] = { "/home", "/usr/local/brova/bin", "/usr/local/brova/lib", "/etc/brova" };
+    for (size_t i = 0; i < sizeof dirs / sizeof dirs[0]; ++i)
+        QDir().mkpath(m_dir->path() + QLatin1String(dirs[i]));
     m_previousCwd = QDir::currentPath().toLocal8Bit();
     if (chdir(root.constData()) != 0)
         qFatal("cannot enter the test root");
@@ -73,11 +107,9 @@ TestDeviceRoot::~TestDeviceRoot()
         return;
     DevicePaths::runCommand(DevicePaths::killReaderCommand() + " 2>/dev/null");
     const key_t key = ftok(".", 1);
-    if (key != -1) {
-        const int id = shmget(key, 0, 0);
-        if (id != -1)
-            shmctl(id, IPC_RMID, nullptr);
-    }
+    const int id = key == -1 ? -1 : shmget(key, 0, 0);
+    if (id != -1)
+        shmctl(id, IPC_RMID, 0);
     if (!m_previousCwd.isEmpty() && chdir(m_previousCwd.constData()) != 0)
         qWarning("cannot return to %s", m_previousCwd.constData());
     g_root[0] = '\0';
@@ -100,40 +132,46 @@ bool TestDeviceRoot::installReader(const QString& program) const
 {
     const QString target = DevicePaths::readerProgram();
     QFile::remove(target);
-    return QFile::copy(program, target)
+    m_standIn = program.isNull();
+    return QFile::copy(program.isNull() ? QString(READER_STAND_IN_PATH) : program, target)
             && QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
-bool TestDeviceRoot::installReaderStandIn() const
-{
-    return installReader(QString::fromLatin1(READER_STAND_IN_PATH));
-}
-
-int TestDeviceRoot::readerStarts() const
-{
-    return readFile(QString::fromLatin1("/reader-starts")).count('\n');
-}
-
-int TestDeviceRoot::runningReaders() const
+QList<QByteArray> TestDeviceRoot::runningReaders() const
 {
     const QString program = QFileInfo(DevicePaths::readerProgram()).canonicalFilePath();
-    int running = 0;
-    const QStringList pids = QDir(QString::fromLatin1("/proc")).entryList(QDir::Dirs);
-    for (const QString& pid : pids) {
-        bool isPid = false;
-        pid.toInt(&isPid);
-        if (isPid && !program.isEmpty()
-            && QFileInfo(QString::fromLatin1("/proc/%1/exe").arg(pid)).canonicalFilePath() == program)
-            ++running;
+    QList<QByteArray> pids;
+    const QStringList entries = QDir("/proc").entryList(QDir::Dirs);
+    for (int i = 0; i < entries.size() && !program.isEmpty(); ++i) {
+        if (QFileInfo("/proc/" + entries[i] + "/exe").canonicalFilePath() == program)
+            pids << entries[i].toLatin1();
     }
-    return running;
+    return pids;
 }
 
-RecordWriter::RecordWriter()
+// A reader may still be on its way from the shell to the program: the count is taken only once
+// every running reader has noted its start (the stand-in does, a real reader has no note), so
+// that one still starting cannot make it look right for a moment.
+bool TestDeviceRoot::readersSettleAt(int expected, int timeoutMs) const
+{
+    for (int waited = 0; waited < timeoutMs; waited += 10) {
+        const QList<QByteArray> pids = runningReaders();
+        const QList<QByteArray> started = readFile("/reader-starts").split('\n');
+        bool allStarted = true;
+        for (int i = 0; i < pids.size(); ++i)
+            allStarted = allStarted && (!m_standIn || started.contains(pids[i]));
+        if (allStarted && pids.size() == expected)
+            return true;
+        QTest::qWait(10);
+    }
+    return false;
+}
+
+RecordWriter::RecordWriter() : m_record(0)
 {
     const key_t key = ftok(".", 1);
     const int id = key == -1 ? -1 : shmget(key, kOpmShareSegmentSize, IPC_CREAT | 0666);
-    void* addr = id == -1 ? reinterpret_cast<void*>(-1) : shmat(id, nullptr, 0);
+    void* addr = id == -1 ? reinterpret_cast<void*>(-1) : shmat(id, 0, 0);
     if (isShareMemAttached(addr))
         m_record = static_cast<OpmShareRecord*>(addr);
 }
@@ -142,19 +180,14 @@ void RecordWriter::setReading(const char* wavelength, const char* unit, const ch
 {
     if (!isAttached())
         return;
-    std::strncpy(m_record->wavelenth, wavelength, sizeof m_record->wavelenth - 1);
-    m_record->wavelenth[sizeof m_record->wavelenth - 1] = '\0';
-    std::strncpy(m_record->unit, unit, sizeof m_record->unit - 1);
-    m_record->unit[sizeof m_record->unit - 1] = '\0';
-    std::strncpy(m_record->value, value, sizeof m_record->value - 1);
-    m_record->value[sizeof m_record->value - 1] = '\0';
+    char* const fields[] = { m_record->wavelenth, m_record->unit, m_record->value };
+    const char* const texts[] = { wavelength, unit, value };
+    const size_t sizes[] = { sizeof m_record->wavelenth, sizeof m_record->unit, sizeof m_record->value };
+    for (int i = 0; i < 3; ++i) {
+        std::memset(fields[i], 0, sizes[i]);
+        std::memcpy(fields[i], texts[i], std::min(std::strlen(texts[i]), sizes[i]));
+    }
     m_record->flag = flag;
-}
-
-void RecordWriter::setRawValue(const char (&bytes)[16])
-{
-    if (isAttached())
-        std::memcpy(m_record->value, bytes, sizeof bytes);
 }
 
 ModalBoxCloser::ModalBoxCloser(int intervalMs)
@@ -163,37 +196,24 @@ ModalBoxCloser::ModalBoxCloser(int intervalMs)
     m_timer.start(intervalMs);
 }
 
-ModalBoxCloser::~ModalBoxCloser() { m_timer.stop(); }
-
 void ModalBoxCloser::closeActive()
 {
     QWidget* box = QApplication::activeModalWidget();
     if (!box)
         return;
-    Box seen;
-    seen.title = box->windowTitle();
-    if (auto* messageBox = qobject_cast<QMessageBox*>(box)) {
-        seen.text = messageBox->text();
-    } else {
-        QStringList texts;
-        for (QLabel* label : box->findChildren<QLabel*>())
-            texts << label->text();
-        seen.text = texts.join(QString(QLatin1Char('\n')));
-    }
-    m_boxes.append(seen);
+    QMessageBox* message = qobject_cast<QMessageBox*>(box);
+    m_boxes << box->windowTitle() + ": " + (message ? message->text() : QString());
     // Whatever the handler does or checks, the box must not stay open.
     const bool handled = handler && handler(box);
     if (!handled || QApplication::activeModalWidget() == box) {
-        if (auto* dialog = qobject_cast<QDialog*>(box))
+        if (QDialog* dialog = qobject_cast<QDialog*>(box))
             dialog->reject();
         else
             box->close();
     }
 }
 
-StdoutCapture::StdoutCapture(Mode mode)
-    : m_saved(dup(STDOUT_FILENO)),
-      m_file(mode == Keep ? std::tmpfile() : std::fopen("/dev/null", "w"))
+StdoutCapture::StdoutCapture() : m_saved(dup(STDOUT_FILENO)), m_file(std::tmpfile())
 {
     std::fflush(stdout);
     if (m_file && m_saved != -1)
@@ -216,28 +236,21 @@ QByteArray StdoutCapture::take()
         text.resize(int(std::fread(text.data(), 1, size_t(text.size()), m_file)));
     }
     std::fclose(m_file);
-    m_file = nullptr;
+    m_file = 0;
     return text;
-}
-
-bool pressKeyPad(QWidget* box, const QString& button)
-{
-    auto* pressed = box->findChild<QAbstractButton*>(button);
-    if (box->objectName() != QLatin1String("CKeyPad") || !pressed)
-        return false;
-    pressed->click();
-    return true;
 }
 
 bool answerKeyPad(QWidget* box, const QString& entry)
 {
-    if (entry.isNull())
-        return pressKeyPad(box, QString::fromLatin1("Cancel"));
-    auto* edit = box->findChild<QLineEdit*>();
-    if (!edit)
+    QAbstractButton* ok = box->findChild<QAbstractButton*>("OK");
+    QAbstractButton* cancel = box->findChild<QAbstractButton*>("Cancel");
+    QLineEdit* edit = box->findChild<QLineEdit*>();
+    if (box->objectName() != QLatin1String("CKeyPad") || !ok || !cancel || !edit)
         return false;
-    edit->setText(entry);
-    return pressKeyPad(box, QString::fromLatin1("OK"));
+    if (entry != QLatin1String("%OK%"))
+        edit->setText(entry.isNull() ? QString("typed, then cancelled") : entry);
+    (entry.isNull() ? cancel : ok)->click();
+    return true;
 }
 
 TestCompat::TempDir::TempDir()

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -13,6 +14,18 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+
+// Named facts of a test: written "name=value; name=value" ('value' in single quotes keeps its
+// blanks; of a name given twice, the later), compared as a map.
+typedef QMap<QString, QString> Keys;
+Keys facts(const QString& text);
+
+// The settings file as the set keeps it: its thirteen keys with their defaults, as facts (the
+// one table of them the tests have), the [COpmSetup] group of the file on disk as it is now
+// (QSettings would answer from its cache), and the text of a file holding the given keys.
+extern const char kSetupDefaults[];
+Keys storedSetup();
+QByteArray setupText(const Keys& keys);
 
 // A device root of the test's own: a temporary folder standing for "/", which is also the
 // working directory (so the shared-memory key is the test's own: the folder is chosen so that
@@ -23,8 +36,6 @@ class TestDeviceRoot
 public:
     TestDeviceRoot();
     ~TestDeviceRoot();
-    TestDeviceRoot(const TestDeviceRoot&) = delete;
-    TestDeviceRoot& operator=(const TestDeviceRoot&) = delete;
 
     bool isValid() const { return m_dir && m_dir->isValid(); }
     QString path() const { return m_dir ? m_dir->path() : QString(); }
@@ -33,17 +44,21 @@ public:
     QByteArray readFile(const QString& setPath) const;
     bool writeFile(const QString& setPath, const QByteArray& data) const;
 
-    // Installs a program at the reader's path.
-    bool installReader(const QString& program) const;
-    // Installs a reader stand-in at the reader's path: a program that notes each start in
-    // file("/reader-starts") and then waits to be killed.
-    bool installReaderStandIn() const;
-    int readerStarts() const;
-    int runningReaders() const;
+    // Installs a program at the reader's path; without one, a stand-in that notes each start in
+    // file("/reader-starts") and waits to be killed.
+    bool installReader(const QString& program = QString()) const;
+    // The pids of the readers of this root that run now; waiting until exactly expected of them
+    // run, each stand-in past its start.
+    QList<QByteArray> runningReaders() const;
+    bool readersSettleAt(int expected, int timeoutMs = 20000) const;
 
 private:
+    TestDeviceRoot(const TestDeviceRoot&);
+    TestDeviceRoot& operator=(const TestDeviceRoot&);
+
     std::unique_ptr<TestCompat::TempDir> m_dir;
     QByteArray m_previousCwd;
+    mutable bool m_standIn;
 };
 
 // The power reader's side of the shared record of the current working directory.
@@ -53,27 +68,21 @@ public:
     RecordWriter();
     bool isAttached() const { return isShareMemAttached(m_record); }
     OpmShareRecord* record() { return m_record; }
+    // A text as long as its field or longer fills the field without a NUL, as no reader should.
     void setReading(const char* wavelength, const char* unit, const char* value, int flag = 1);
-    void setRawValue(const char (&bytes)[16]);
 
 private:
-    OpmShareRecord* m_record = nullptr;
+    OpmShareRecord* m_record;
 };
 
-// Closes every modal box that opens while it lives and records what each one said.
+// Closes every modal box that opens while it lives and records "title: text" of each (the text
+// of a message box).
 class ModalBoxCloser : public QObject
 {
     Q_OBJECT
 public:
-    struct Box
-    {
-        QString title;
-        QString text;
-    };
-
     explicit ModalBoxCloser(int intervalMs = 20);
-    ~ModalBoxCloser() override;
-    const QList<Box>& boxes() const { return m_boxes; }
+    const QStringList& boxes() const { return m_boxes; }
     int count() const { return m_boxes.size(); }
     // What to do with a box instead of just closing it: return true when it was handled.
     std::function<bool(QWidget*)> handler;
@@ -83,32 +92,30 @@ private slots:
 
 private:
     QTimer m_timer;
-    QList<Box> m_boxes;
+    QStringList m_boxes;
 };
 
-// Catches what the code under test writes to standard output (its trace lines), or with Discard
-// only keeps it off the test's output. Keep it around the calls only: QtTest reports through
-// standard output too.
+// Catches what the code under test writes to standard output (its trace lines). Keep it around
+// the calls only: QtTest reports through standard output too.
 class StdoutCapture
 {
 public:
-    enum Mode { Keep, Discard };
-    explicit StdoutCapture(Mode mode = Keep);
+    StdoutCapture();
     ~StdoutCapture() { take(); }
-    StdoutCapture(const StdoutCapture&) = delete;
-    StdoutCapture& operator=(const StdoutCapture&) = delete;
 
-    // Ends the capture and returns what was written (nothing when discarded).
+    // Ends the capture and returns what was written.
     QByteArray take();
 
 private:
-    int m_saved = -1;
-    std::FILE* m_file = nullptr;
+    StdoutCapture(const StdoutCapture&);
+    StdoutCapture& operator=(const StdoutCapture&);
+
+    int m_saved;
+    std::FILE* m_file;
 };
 
-// The on-screen keypad: presses its button of that name ("OK", "Cancel"), or types entry and
-// presses OK (Cancel for a null entry). False when box is not the keypad.
-bool pressKeyPad(QWidget* box, const QString& button);
+// The on-screen keypad: types entry and presses OK; "%OK%" presses OK on the proposed text, a
+// null entry types something and presses Cancel. False when box is not the keypad.
 bool answerKeyPad(QWidget* box, const QString& entry);
 
 #endif // TESTSUPPORT_H

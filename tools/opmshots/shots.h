@@ -25,5 +25,6 @@ struct ShotMode
 bool saveShot(QWidget& widget, const ShotOptions& options, const QString& fileName);
 
 int shootOffsetBar(const ShotOptions& options);
+int shootSetup(const ShotOptions& options);
 
 #endif // SHOTS_H

@@ -1,0 +1,32 @@
+#ifndef OPMSETUPCONFIG_H
+#define OPMSETUPCONFIG_H
+
+#include <QString>
+
+// The operator's setup as it is kept in the settings file, one text per key.
+class COpmSetupConfig
+{
+public:
+    COpmSetupConfig();
+    ~COpmSetupConfig();
+
+    void COpmSetupConfigLoad();
+    void COpmSetupConfigSave();
+    void debugCOpmSetupConfig();
+
+    QString mWaveLenth;
+    QString mTestMode;
+    QString mUnit;
+    QString mPowerLimit;
+    QString mPowerLimitMin;
+    QString mPowerLimitMax;
+    QString mlossUnit;
+    QString mlossLength;
+    QString mreference850;
+    QString mreference1310;
+    QString mreference1490;
+    QString mreference1550;
+    QString mreference1625;
+};
+
+#endif // OPMSETUPCONFIG_H
