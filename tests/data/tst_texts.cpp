@@ -47,6 +47,7 @@ void TestTexts::copy()
     char field[16];
     std::memset(field, 'X', sizeof field);
     std::memcpy(field, bytes.constData(), std::min(sizeof field, size_t(bytes.size()) + 1));
+    QCOMPARE(int(FixedText::length(field, sizeof field)), copied.size()); // a full field's last byte is its end
 
     for (int way = 0; way < 3; ++way) {
         char guarded[32];
