@@ -64,8 +64,9 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments();
     if (args.size() < 4 || (args[1] != "page" && args[1] != "floor")) {
-        std::fprintf(stderr, "usage: bench_ticks <page|floor> <changing|unchanged|moving> <ticks> "
-                             "[--paints] [--shot FILE]\n");
+        std::fprintf(stderr,
+                     "usage: bench_ticks <page|floor> <changing|unchanged|moving> <ticks> "
+                     "[--paints] [--shot FILE]\n");
         return 2;
     }
     const QString mode = args[2];

@@ -33,13 +33,14 @@ bool OpmPageProbe::textsEnded(NerioOpm* p)
     bool all = ended(p->m_result) && fieldsEnded(p->m_aWaveLengthRef, sizeof p->m_aWaveLengthRef);
     for (int i = 0; i < 2; ++i)
         all = all && fieldsEnded(records[i]->wavelenth, 8) && fieldsEnded(records[i]->unit, 8)
-                && fieldsEnded(records[i]->value, 16) && fieldsEnded(records[i]->deviceType, 16);
+            && fieldsEnded(records[i]->value, 16) && fieldsEnded(records[i]->deviceType, 16);
     return all;
 }
 
 bool OpmPageProbe::ended(const Result& r)
 {
-    return fieldsEnded(r.testMode, offsetof(Result, isLimit)) && std::memchr(r.time, '\0', sizeof r.time);
+    return fieldsEnded(r.testMode, offsetof(Result, isLimit))
+        && std::memchr(r.time, '\0', sizeof r.time);
 }
 
 namespace FuzzSupport {
@@ -79,7 +80,8 @@ void requireSanePage(NerioOpm* page)
 {
     if (!OpmPageProbe::textsEnded(page))
         qFatal("a text field of the page runs past its width");
-    static QRegExp known("-?(nan|inf|\\d+\\.\\d+) (dBm|dB|mW|uW|dB/km|dB/mi)|OPM Not Connected!|---\\.--|");
+    static QRegExp known(
+        "-?(nan|inf|\\d+\\.\\d+) (dBm|dB|mW|uW|dB/km|dB/mi)|OPM Not Connected!|---\\.--|");
     const QString label = OpmPageProbe::state(page).value("label");
     if (!known.exactMatch(label))
         qFatal("the reading label shows '%s'", qPrintable(label));

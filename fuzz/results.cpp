@@ -23,8 +23,9 @@ FILE* g_report = nullptr;
 Result savedAt(const uint8_t* data, size_t size, size_t offset)
 {
     Result r {};
-    char* const fields[kTextFields] = { r.testMode, r.waveLenth, r.minimum, r.maximum, r.value,
-                                        r.ref, r.pass, r.limitsUnit, r.fiberLength };
+    char* const fields[kTextFields] = { r.testMode, r.waveLenth,  r.minimum,
+                                        r.maximum,  r.value,      r.ref,
+                                        r.pass,     r.limitsUnit, r.fiberLength };
     for (size_t i = 0; i < kTextFields; ++i)
         FuzzSupport::take(data, size, offset + i * kFieldSize, fields[i], kFieldSize);
     uint8_t flags = 0;

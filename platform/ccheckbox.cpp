@@ -35,8 +35,8 @@ void CCheckBox::setBorderVisible(bool visible)
 void CCheckBox::applyStyle()
 {
     setStyleSheet(QString::fromLatin1("CCheckBox { color: %1; border: %2; min-height: 30px; }"
-                                 "CCheckBox::indicator { width: 20px; height: 20px; }")
-                          .arg(foregroundColor().name(),
-                               m_borderVisible ? QString::fromLatin1("1px solid #9aa5b1")
-                                               : QString::fromLatin1("none")));
+                                      "CCheckBox::indicator { width: 20px; height: 20px; }")
+                      .arg(foregroundColor().name(),
+                           m_borderVisible ? QString::fromLatin1("1px solid #9aa5b1")
+                                           : QString::fromLatin1("none")));
 }

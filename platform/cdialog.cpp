@@ -5,8 +5,7 @@
 #include <QPainter>
 
 CDialog::CDialog(QWidget* parent, Qt::WindowFlags flags) : QDialog(parent, flags), m_borderWidth(0)
-{
-}
+{ }
 
 void CDialog::setBackgroundColor(const QColor& color)
 {

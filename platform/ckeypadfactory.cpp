@@ -10,14 +10,13 @@
 #include <QPointer>
 #include <QVBoxLayout>
 
-
 namespace {
 
 const char* const kNumericKeys[] = { "7", "8", "9", "4", "5", "6", "1", "2", "3", "-", "0", "." };
-const char* const kTextKeys[] = { "1", "2", "3", "4", "5", "6", "7", "8", "9", "0", "A", "B",
-                                  "C", "D", "E", "F", "G", "H", "I", "J", "K", "L", "M", "N",
-                                  "O", "P", "Q", "R", "S", "T", "U", "V", "W", "X", "Y", "Z",
-                                  "-", "_", ".", " " };
+const char* const kTextKeys[] = { "1", "2", "3", "4", "5", "6", "7", "8", "9", "0",
+                                  "A", "B", "C", "D", "E", "F", "G", "H", "I", "J",
+                                  "K", "L", "M", "N", "O", "P", "Q", "R", "S", "T",
+                                  "U", "V", "W", "X", "Y", "Z", "-", "_", ".", " " };
 
 // The text a key button types.
 const char kKeyProperty[] = "keyText";
@@ -33,18 +32,20 @@ public:
         setObjectName(QString::fromLatin1("CKeyPad"));
         setModal(true);
         setWindowTitle(title);
-        setStyleSheet(QString::fromLatin1("QDialog#CKeyPad { background-color: %1; border: 3px solid %2; }"
-                                     "QLabel { color: %3; font-weight: bold; }"
-                                     "QLineEdit { font-size: 18px; min-height: 30px; }")
-                              .arg(CWidgetStyle::getColor(CWidgetStyle::DialogBackground).name(),
-                                   CWidgetStyle::getColor(CWidgetStyle::ButtonGreen).name(),
-                                   CWidgetStyle::getColor(CWidgetStyle::TextOnDialog).name()));
+        setStyleSheet(
+            QString::fromLatin1("QDialog#CKeyPad { background-color: %1; border: 3px solid %2; }"
+                                "QLabel { color: %3; font-weight: bold; }"
+                                "QLineEdit { font-size: 18px; min-height: 30px; }")
+                .arg(CWidgetStyle::getColor(CWidgetStyle::DialogBackground).name(),
+                     CWidgetStyle::getColor(CWidgetStyle::ButtonGreen).name(),
+                     CWidgetStyle::getColor(CWidgetStyle::TextOnDialog).name()));
         QVBoxLayout* layout = new QVBoxLayout(this);
         QLabel* caption = new QLabel(title, this);
         caption->setObjectName(QString::fromLatin1("title"));
         layout->addWidget(caption);
         if (type == CKeyPadFactory::KeyPadNumeric && min < max) {
-            layout->addWidget(new QLabel(QString::fromLatin1("Range: %1 ~ %2").arg(min).arg(max), this));
+            layout->addWidget(
+                new QLabel(QString::fromLatin1("Range: %1 ~ %2").arg(min).arg(max), this));
         }
         m_edit = new QLineEdit(text, this);
         if (type == CKeyPadFactory::KeyPadText && max > 0)
@@ -68,7 +69,8 @@ private:
                                   : int(sizeof kTextKeys / sizeof kTextKeys[0]);
         for (int i = 0; i < count; ++i) {
             const QString key = QString::fromLatin1(numeric ? kNumericKeys[i] : kTextKeys[i]);
-            CPushButton* button = new CPushButton(key == QLatin1String(" ") ? tr("Space") : key, this);
+            CPushButton* button =
+                new CPushButton(key == QLatin1String(" ") ? tr("Space") : key, this);
             button->setStyle(CPushButton::StyleGray, true);
             button->setFocusPolicy(Qt::NoFocus);
             button->setProperty(kKeyProperty, key);
@@ -89,8 +91,8 @@ private:
         return row;
     }
 
-    QPushButton* addAction(QHBoxLayout* row, const QString& caption,
-                           CPushButton::ButtonStyle style, QObject* receiver, const char* slot)
+    QPushButton* addAction(QHBoxLayout* row, const QString& caption, CPushButton::ButtonStyle style,
+                           QObject* receiver, const char* slot)
     {
         CPushButton* button = new CPushButton(caption, this);
         button->setObjectName(caption);

@@ -79,9 +79,8 @@ void CLabel::fitText()
     for (int size = m_basePixelSize; size >= 8; --size) {
         f.setPixelSize(size);
         const QFontMetrics metrics(f);
-        const int widest = ownLines
-                ? metrics.boundingRect(QRect(0, 0, 1 << 20, 1 << 20), 0, text()).width()
-                : 0;
+        const int widest =
+            ownLines ? metrics.boundingRect(QRect(0, 0, 1 << 20, 1 << 20), 0, text()).width() : 0;
         const int tallest = metrics.boundingRect(box, flags, text()).height();
         if (widest <= box.width() && tallest <= box.height())
             break;

@@ -1,13 +1,11 @@
 #include "clineedit.h"
 
-#include "cwidgetstyle.h"
-
 #include "ckeypadfactory.h"
+#include "cwidgetstyle.h"
 
 #include <QMouseEvent>
 
-CLineEdit::CLineEdit(QWidget* parent)
-    : QLineEdit(parent), m_keyPadType(-1), m_lower(0), m_upper(0)
+CLineEdit::CLineEdit(QWidget* parent) : QLineEdit(parent), m_keyPadType(-1), m_lower(0), m_upper(0)
 {
     CWidgetStyle::applyTextFont(this);
     setMinimumHeight(30);

@@ -113,12 +113,13 @@ void CMessageBox::placeTitle()
 void CMessageBox::applyStyle()
 {
     const QColor green = CWidgetStyle::getColor(CWidgetStyle::ButtonGreen);
-    setStyleSheet(QString::fromLatin1(
-            "CMessageBox { background-color: %1; border: 3px solid %2; }"
-            "QLabel#qt_msgbox_label { color: %3; font-size: 15px; }"
-            "QLabel#title { background-color: %2; color: white; font-weight: bold; font-size: 16px; }"
-            "QPushButton { color: white; background-color: %4; border-radius: 4px;"
-            " min-width: 80px; min-height: 30px; font-weight: bold; }")
-                          .arg(CWidgetStyle::getColor(CWidgetStyle::DialogBackground).name(),
-                               m_titleBackground.name(), m_textColor.name(), green.name()));
+    setStyleSheet(
+        QString::fromLatin1("CMessageBox { background-color: %1; border: 3px solid %2; }"
+                            "QLabel#qt_msgbox_label { color: %3; font-size: 15px; }"
+                            "QLabel#title { background-color: %2; color: white; font-weight: bold; "
+                            "font-size: 16px; }"
+                            "QPushButton { color: white; background-color: %4; border-radius: 4px;"
+                            " min-width: 80px; min-height: 30px; font-weight: bold; }")
+            .arg(CWidgetStyle::getColor(CWidgetStyle::DialogBackground).name(),
+                 m_titleBackground.name(), m_textColor.name(), green.name()));
 }

@@ -4,8 +4,7 @@
 
 CWidget::CWidget(QWidget* parent, Qt::WindowFlags flags)
     : QWidget(parent, flags), m_borderWidth(0), m_arrowKeyFocus(false)
-{
-}
+{ }
 
 CWidget::~CWidget() { }
 

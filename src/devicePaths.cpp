@@ -22,7 +22,10 @@ const char kReaderName[] = "lumenProbe";
 
 bool isRooted() { return deviceRoot()[0] != '\0'; }
 
-QString rooted(const char* path) { return QString::fromLocal8Bit(deviceRoot()) + QLatin1String(path); }
+QString rooted(const char* path)
+{
+    return QString::fromLocal8Bit(deviceRoot()) + QLatin1String(path);
+}
 
 // A root folder may hold blanks, quotes or other shell characters; the fixed paths never do.
 QByteArray shellPath(const char* path)

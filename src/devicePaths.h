@@ -9,16 +9,16 @@
 // that use them. All of them hang below deviceRoot(), which is empty in the product build.
 namespace DevicePaths {
 
-QString settingDir();      // "/home/Setting"
-QString settingFile();     // "/home/Setting/opmSetup.conf"
-QString resultDir();       // "/home/brova/brova-rslt/opm"
-QString readerProgram();   // "/usr/local/brova/bin/lumenProbe"
-QString vendorInfoFile();  // "/usr/local/brova/lib/vendor-info.txt"
+QString settingDir(); // "/home/Setting"
+QString settingFile(); // "/home/Setting/opmSetup.conf"
+QString resultDir(); // "/home/brova/brova-rslt/opm"
+QString readerProgram(); // "/usr/local/brova/bin/lumenProbe"
+QString vendorInfoFile(); // "/usr/local/brova/lib/vendor-info.txt"
 
-QByteArray makeSettingDirCommand();  // "mkdir /home/Setting"
-QByteArray makeResultDirCommand();   // "mkdir -p /home/brova/brova-rslt/opm"
-QByteArray startReaderCommand();     // "/usr/local/brova/bin/lumenProbe &"
-QByteArray killReaderCommand();      // "killall -9 lumenProbe"
+QByteArray makeSettingDirCommand(); // "mkdir /home/Setting"
+QByteArray makeResultDirCommand(); // "mkdir -p /home/brova/brova-rslt/opm"
+QByteArray startReaderCommand(); // "/usr/local/brova/bin/lumenProbe &"
+QByteArray killReaderCommand(); // "killall -9 lumenProbe"
 
 // Runs a command through the shell; its exit status is of no interest to the application.
 void runCommand(const QByteArray& command);

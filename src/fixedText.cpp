@@ -10,7 +10,8 @@ void copyMeasurement(char* field, size_t size, const char* src)
         src = "";
     const size_t len = std::strlen(src);
     const char* blank = std::strrchr(src, ' ');
-    const char* dot = static_cast<const char*>(std::memchr(src, '.', blank ? size_t(blank - src) : 0));
+    const char* dot =
+        static_cast<const char*>(std::memchr(src, '.', blank ? size_t(blank - src) : 0));
     if (len < size || !blank || !dot) {
         copy(field, size, src);
         return;

@@ -44,16 +44,28 @@ inline void copyField(char* field, size_t size, const char* src, size_t srcSize)
 void copyMeasurement(char* field, size_t size, const char* src);
 
 template <size_t N>
-inline void copy(char (&field)[N], const char* src) { copy(field, N, src); }
+inline void copy(char (&field)[N], const char* src)
+{
+    copy(field, N, src);
+}
 
 template <size_t N, size_t M>
-inline void copyField(char (&field)[N], const char (&src)[M]) { copyField(field, N, src, M); }
+inline void copyField(char (&field)[N], const char (&src)[M])
+{
+    copyField(field, N, src, M);
+}
 
 template <size_t N>
-inline void copyMeasurement(char (&field)[N], const char* src) { copyMeasurement(field, N, src); }
+inline void copyMeasurement(char (&field)[N], const char* src)
+{
+    copyMeasurement(field, N, src);
+}
 
 template <size_t N>
-inline size_t length(const char (&field)[N]) { return length(field, N); }
+inline size_t length(const char (&field)[N])
+{
+    return length(field, N);
+}
 
 } // namespace FixedText
 

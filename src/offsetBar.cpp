@@ -9,8 +9,9 @@
 #include <QPen>
 
 #include <cmath>
-#include <math.h>
 #include <cstdio>
+
+#include <math.h>
 
 namespace {
 
@@ -18,8 +19,8 @@ const int kWidgetWidth = 255;
 const int kWidgetHeight = 40;
 const int kBarWidth = 245;
 const int kBarHeight = 25;
-const int kScaler = 36;                             // width of each out-of-range zone
-const int kInRangeSpan = kBarWidth - 2 * kScaler;   // pixels the whole range covers
+const int kScaler = 36; // width of each out-of-range zone
+const int kInRangeSpan = kBarWidth - 2 * kScaler; // pixels the whole range covers
 const int kMarkerWidth = 5;
 const int kMarkerHeight = 24;
 const int kCentreX = 121;
@@ -185,7 +186,8 @@ void OffsetBar::paintEvent(QPaintEvent* event)
     painter.drawRect(QRect(0, 0, kBarWidth, kBarHeight));
     painter.fillRect(QRect(1, 1, kScaler, zoneHeight), kOutOfRangeColour);
     painter.fillRect(QRect(kBarWidth - 1 - kScaler, 1, kScaler, zoneHeight), kOutOfRangeColour);
-    painter.fillRect(QRect(1 + kScaler, 1, kBarWidth - 2 - 2 * kScaler, zoneHeight), kInRangeColour);
+    painter.fillRect(QRect(1 + kScaler, 1, kBarWidth - 2 - 2 * kScaler, zoneHeight),
+                     kInRangeColour);
     painter.fillRect(QRect(kCentreX, 1, 1, kMarkerHeight), Qt::black);
 
     const QRect marker = markerRect(markerX());

@@ -18,10 +18,11 @@
 #include <QPointer>
 #include <QTimer>
 
-#include <stdint.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include <stdint.h>
 
 namespace {
 
@@ -47,9 +48,12 @@ int waveLengthIndex(const char* text) { return indexIn(kWaveLengthTexts, text); 
 QString powerLimitsCaption(RusultUnit unit)
 {
     switch (unit) {
-    case mW: return QObject::tr("Power Limits (mW)");
-    case uW: return QObject::tr("Power Limits (uW)");
-    case dB: break;
+    case mW:
+        return QObject::tr("Power Limits (mW)");
+    case uW:
+        return QObject::tr("Power Limits (uW)");
+    case dB:
+        break;
     }
     return QObject::tr("Power Limits (dBm)");
 }
@@ -152,20 +156,16 @@ QVBoxLayout* newColumn(int spacing, QWidget* first, QWidget* second = 0, QWidget
 // Construction and lifecycle
 
 NerioOpm::NerioOpm(QWidget* parent)
-    : CWidget(parent), l_pTitle(0), pFileName(0), pWaveLength(0),
-      m_pWaveLength(0), pTestMode(0), m_pTestMode(0), m_pSummary(0),
-      m_pHold(0), m_pSave(0), m_pReference(0), m_pdBm(0), m_pmW(0),
-      m_puW(0), m_pOpmInfoWidget(0), m_pOpmInfoTitle(0),
-      m_pOpmRefLabel(0), m_pOpmCurValue(0), m_pLimits(0), pMinimum(0),
-      m_pMinimum(0), pMaximum(0), m_pMaximum(0), m_pLossMeterUnit(0),
-      m_pLabelLossLength(0), m_pLossLength(0), m_pReferenceDialog(0),
-      m_pReferenceSet(0), m_pReferenceCancel(0), m_pRefLabel1(0),
-      m_pRefLabel2(0), m_pRefLabel3(0), m_pRefTitle(0), m_pTimer(0),
-      m_addr(0), Opm(), m_sOpmRef(), m_bHold(false), m_bPowerLimits(false),
-      m_eTestMode(PowerMeter), m_eRusultUnit(dB), m_eLossLengthType(LossLim_dB),
-      m_aWaveLengthRef(), m_eWaveLength(Type_850nmMMF), m_fLength(1.0f), m_fPowerMin(-60.0f),
-      m_fPowerMax(10.0f), m_pMsgbox(0), m_result(), m_aResultLimits(), m_bResultLimitsSet(false),
-      m_bPass(false),
+    : CWidget(parent), l_pTitle(0), pFileName(0), pWaveLength(0), m_pWaveLength(0), pTestMode(0),
+      m_pTestMode(0), m_pSummary(0), m_pHold(0), m_pSave(0), m_pReference(0), m_pdBm(0), m_pmW(0),
+      m_puW(0), m_pOpmInfoWidget(0), m_pOpmInfoTitle(0), m_pOpmRefLabel(0), m_pOpmCurValue(0),
+      m_pLimits(0), pMinimum(0), m_pMinimum(0), pMaximum(0), m_pMaximum(0), m_pLossMeterUnit(0),
+      m_pLabelLossLength(0), m_pLossLength(0), m_pReferenceDialog(0), m_pReferenceSet(0),
+      m_pReferenceCancel(0), m_pRefLabel1(0), m_pRefLabel2(0), m_pRefLabel3(0), m_pRefTitle(0),
+      m_pTimer(0), m_addr(0), Opm(), m_sOpmRef(), m_bHold(false), m_bPowerLimits(false),
+      m_eTestMode(PowerMeter), m_eRusultUnit(dB), m_eLossLengthType(LossLim_dB), m_aWaveLengthRef(),
+      m_eWaveLength(Type_850nmMMF), m_fLength(1.0f), m_fPowerMin(-60.0f), m_fPowerMax(10.0f),
+      m_pMsgbox(0), m_result(), m_aResultLimits(), m_bResultLimitsSet(false), m_bPass(false),
       m_pOffsetBarResult(0), m_opmData(0)
 {
     m_opmData = CBrovaOpmDataEngine::getSingleInstance();
@@ -296,9 +296,8 @@ bool NerioOpm::initialize()
                                               << "1625 nm SMF",
                                 this);
     pTestMode = newCaption(QObject::tr("Test Mode"), this);
-    m_pTestMode = newSelector(QStringList() << QObject::tr("Power Meter(OPM)")
-                                            << QObject::tr("Loss Meter"),
-                              this);
+    m_pTestMode = newSelector(
+        QStringList() << QObject::tr("Power Meter(OPM)") << QObject::tr("Loss Meter"), this);
     QHBoxLayout* l_pWaveModeHLyt = newBox<QHBoxLayout>(0);
     l_pWaveModeHLyt->addSpacing(35);
     l_pWaveModeHLyt->addWidget(pWaveLength);
@@ -452,8 +451,8 @@ void NerioOpm::translate()
 
     const int mode = m_pTestMode->currentIndex();
     m_pTestMode->clear();
-    m_pTestMode->addItems(QStringList() << QObject::tr("Power Meter(OPM)")
-                                        << QObject::tr("Loss Meter"));
+    m_pTestMode->addItems(QStringList()
+                          << QObject::tr("Power Meter(OPM)") << QObject::tr("Loss Meter"));
     m_pTestMode->setCurrentIndex(mode);
 
     m_pHold->setText(QObject::tr("Hold"));
@@ -592,7 +591,8 @@ void NerioOpm::setHoldInfo()
 {
     QString title;
     if (m_eTestMode == PowerMeter)
-        title = m_bHold ? QObject::tr("Optical Power       \t      Hold") : QObject::tr("Optical Power");
+        title = m_bHold ? QObject::tr("Optical Power       \t      Hold")
+                        : QObject::tr("Optical Power");
     else if (m_eTestMode == LossMeter)
         title = m_bHold ? QObject::tr("Loss Meter   Hold") : QObject::tr("Loss Meter");
     m_pOpmInfoTitle->setText(title);
@@ -604,8 +604,9 @@ void NerioOpm::updateResultSummary()
     char line[512];
     const int count = m_opmData->getResultItemCount();
     if (count > 0) {
-        int n = snprintf(line, sizeof line, "Last Saved - Loc#%d Wave length:%.*s nm , Mode:%.*s , Value:%.*s",
-                         count, int(FixedText::length(last.waveLenth)), last.waveLenth,
+        int n = snprintf(line, sizeof line,
+                         "Last Saved - Loc#%d Wave length:%.*s nm , Mode:%.*s , Value:%.*s", count,
+                         int(FixedText::length(last.waveLenth)), last.waveLenth,
                          int(FixedText::length(last.testMode)), last.testMode,
                          int(FixedText::length(last.value)), last.value);
         if (last.isLimit && n > 0 && size_t(n) < sizeof line)
@@ -764,7 +765,8 @@ void NerioOpm::onParmLineEditChanged()
         }
         printf("onParmLineEditChanged      m_fLength: %f \n", double(m_fLength));
         if (l_eLengthInvalid)
-            showInputError(QObject::tr("The length must be greater than zero! Please input again."));
+            showInputError(
+                QObject::tr("The length must be greater than zero! Please input again."));
     } else if (edit && (edit == m_pMinimum || edit == m_pMaximum)) {
         setPowerLimits(edit);
         if (!alive)
@@ -801,7 +803,8 @@ void NerioOpm::setPowerLimits(CLineEdit* pParmLineEdit)
         }
     }
     if (bShowErrWnd)
-        showInputError(QObject::tr("Minimum must be less or equal to Maximum! Please input again."));
+        showInputError(
+            QObject::tr("Minimum must be less or equal to Maximum! Please input again."));
 }
 
 void NerioOpm::onStateChanged() { setEditSate(); }
@@ -880,9 +883,10 @@ void NerioOpm::startReference()
              Opm.wavelenth);
     m_pRefLabel2->setText(QString::fromLatin1(tmp));
     std::memset(tmp, 0, sizeof tmp);
-    snprintf(tmp, sizeof tmp,
-             "Or press Cancel instead if you prefer to keep the previously stored value of %.*s dBm",
-             int(FixedText::length(m_aWaveLengthRef[m_eWaveLength])), m_aWaveLengthRef[m_eWaveLength]);
+    snprintf(
+        tmp, sizeof tmp,
+        "Or press Cancel instead if you prefer to keep the previously stored value of %.*s dBm",
+        int(FixedText::length(m_aWaveLengthRef[m_eWaveLength])), m_aWaveLengthRef[m_eWaveLength]);
     m_pRefLabel3->setText(QString::fromLatin1(tmp));
     m_pReferenceDialog->show();
 }
@@ -909,10 +913,10 @@ CDialog* NerioOpm::CrtReferenceDialog()
     m_pRefTitle->setFont(titleFont);
 
     m_pRefLabel1 = new CLabel(
-            QObject::tr("Please use a short and clean optical patch cord to connect the\nLaser Light "
-                        "Source directly to the OPM port on this unit,\nto set the output reference "
-                        "level.\nPress Set to store and use the current reading."),
-            m_pReferenceDialog);
+        QObject::tr("Please use a short and clean optical patch cord to connect the\nLaser Light "
+                    "Source directly to the OPM port on this unit,\nto set the output reference "
+                    "level.\nPress Set to store and use the current reading."),
+        m_pReferenceDialog);
     m_pRefLabel1->setWrapMode(CLabel::WrapMode(1));
     m_pRefLabel1->setAutoStyleEnabled(true);
     m_pRefLabel1->setFixedHeight(100);

@@ -25,8 +25,9 @@ namespace {
 // Every text field that leaves the store ends inside its width, so its readers may use "%s".
 void endTextFields(Result& record)
 {
-    char* const fields[] = { record.testMode, record.waveLenth, record.minimum, record.maximum,
-        record.value, record.ref, record.pass, record.limitsUnit, record.fiberLength };
+    char* const fields[] = { record.testMode, record.waveLenth,  record.minimum,
+                             record.maximum,  record.value,      record.ref,
+                             record.pass,     record.limitsUnit, record.fiberLength };
     for (size_t i = 0; i < sizeof fields / sizeof fields[0]; ++i)
         fields[i][sizeof record.testMode - 1] = '\0';
 }
@@ -49,17 +50,14 @@ void CBrovaOpmDataEngine::addResultItem(Result& record)
     localtime_r(&now, &local);
     char stamp[64];
     snprintf(stamp, sizeof stamp, "%.4d-%.2d-%.2d %.2d:%.2d:%.2d", local.tm_year + 1900,
-        local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+             local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
     FixedText::copy(record.time, stamp);
     printf("addResultItem %s \n", record.time);
     m_resultCache.push_back(record);
     endTextFields(m_resultCache.back());
 }
 
-int CBrovaOpmDataEngine::getResultItemCount()
-{
-    return int(m_resultCache.size());
-}
+int CBrovaOpmDataEngine::getResultItemCount() { return int(m_resultCache.size()); }
 
 Result CBrovaOpmDataEngine::getLastResultItem()
 {
@@ -69,10 +67,7 @@ Result CBrovaOpmDataEngine::getLastResultItem()
     return last;
 }
 
-void CBrovaOpmDataEngine::clearAllresultItem()
-{
-    m_resultCache.clear();
-}
+void CBrovaOpmDataEngine::clearAllresultItem() { m_resultCache.clear(); }
 
 void CBrovaOpmDataEngine::getAllResultItem(std::list<Result>& p_resultCache)
 {
@@ -97,15 +92,14 @@ void startReader()
 
 } // namespace
 
-COpmMainPage::COpmMainPage(QWidget* parent)
-    : CWidget(parent)
+COpmMainPage::COpmMainPage(QWidget* parent) : CWidget(parent)
 {
     puts("COpmMainPage::COpmMainPage ");
     setBorderWidth(0);
     setBackgroundColor(CWidgetStyle::getColor(0));
 
-    const int width
-        = CWidgetStyle::getScreenRegion(0).width() - CWidgetStyle::getScreenRegion(3).width() - 2;
+    const int width =
+        CWidgetStyle::getScreenRegion(0).width() - CWidgetStyle::getScreenRegion(3).width() - 2;
     const int height = CWidgetStyle::getScreenRegion(5).width();
 
     m_pTabWidget = new CTabWidget(this);

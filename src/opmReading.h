@@ -16,10 +16,10 @@ float opmReadingValue(const char* value);
 struct OpmDisplaySettings
 {
     TestModeType mode;
-    RusultUnit unit;           // Power Meter
-    LossLengthType lossUnit;   // Loss Meter
-    float length;              // fibre length for dB/km and dB/mi
-    const char* reference;     // reference level of the wavelength measured at
+    RusultUnit unit; // Power Meter
+    LossLengthType lossUnit; // Loss Meter
+    float length; // fibre length for dB/km and dB/mi
+    const char* reference; // reference level of the wavelength measured at
 };
 
 // Writes the text of a reading (value and unit as the reader sent them, signed and without

@@ -9,8 +9,6 @@
 #include <QLocale>
 #include <QPointer>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <climits>
 #include <cstdarg>
@@ -18,6 +16,8 @@
 #include <cstring>
 #include <list>
 #include <vector>
+
+#include <unistd.h>
 
 // The HTML report of the saved readings: the main page's export (F1) and what it is made of.
 
@@ -164,8 +164,8 @@ void COpmMainPage::saveOpmResult()
     if (access(dir.toLocal8Bit().constData(), F_OK) != 0)
         DevicePaths::runCommand(DevicePaths::makeResultDirCommand());
 
-    const QString proposed
-        = QDateTime::currentDateTime().toString(QString::fromLatin1("yyyyMMdd-hhmmss"));
+    const QString proposed =
+        QDateTime::currentDateTime().toString(QString::fromLatin1("yyyyMMdd-hhmmss"));
     // The keypad runs its own loop, in which the host may destroy the page: then nothing is left
     // to export from.
     QPointer<COpmMainPage> alive = this;
@@ -190,10 +190,10 @@ void COpmMainPage::saveOpmResult()
 void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
 {
     fprintf(pfOutput, "\n<br><font size=%d> <a  style=\"color:blue;\"> %s </a> </font> </br>\n",
-        font_size, QObject::tr("General Information").toUtf8().constData());
+            font_size, QObject::tr("General Information").toUtf8().constData());
     fputs("<table border=\"1\">\n", pfOutput);
     writeRow(pfOutput, font_size, QObject::tr("Date and Time Results Were Saved:"),
-        reportDateTime(QDateTime::currentDateTime()).toUtf8().constData());
+             reportDateTime(QDateTime::currentDateTime()).toUtf8().constData());
 
     char version[128] = {};
     char macText[32] = {};
@@ -206,7 +206,7 @@ void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
     const int macLine = __LINE__ + 1;
     if (m_pE2promserv->ReadMacAddr(reinterpret_cast<char*>(mac)) == 0) {
         snprintf(macText, sizeof macText, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2],
-            mac[3], mac[4], mac[5]);
+                 mac[3], mac[4], mac[5]);
         writeRow(pfOutput, font_size, QObject::tr("MAC Address of Test Port:"), macText);
     } else {
         printReadError(macLine);

@@ -12,6 +12,7 @@
 #include <QVariant>
 
 #include <cstdio>
+
 #include <unistd.h>
 
 namespace {
@@ -99,8 +100,8 @@ bool isSavedForm(const QString& value)
 
 // The setup only knows texts, and keeps them as they were written: a saved text as QSettings
 // reads it back, a value written by hand ("1,5", "@Invalid()", a stray quote) as it stands.
-QString settingText(const QVariant& value, const QMap<QString, QString>& written,
-                    const char* key, const char* defaultValue)
+QString settingText(const QVariant& value, const QMap<QString, QString>& written, const char* key,
+                    const char* defaultValue)
 {
     const QMap<QString, QString>::const_iterator line = written.find(QLatin1String(key));
     const bool isText = value.type() == QVariant::String;

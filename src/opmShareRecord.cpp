@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+
 #include <sys/ipc.h>
 #include <sys/shm.h>
 

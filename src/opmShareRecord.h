@@ -2,11 +2,12 @@
 #define OPMSHARERECORD_H
 
 #include <cstddef>
+
 #include <stdint.h>
 #include <sys/types.h>
 
 // A condition the compiler checks; C++98 has no static_assert. name says what is wrong.
-#define OPM_STATIC_ASSERT(condition, name) \
+#define OPM_STATIC_ASSERT(condition, name)                                                         \
     typedef char opm_assert_##name[(condition) ? 1 : -1] __attribute__((unused))
 
 // The record that the power reader and the page share, at the start of a 1024-byte System V

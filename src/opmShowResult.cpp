@@ -10,8 +10,7 @@
 #include <cstdio>
 #include <list>
 
-COpmShowResultPage::COpmShowResultPage(QWidget* parent)
-    : CWidget(parent)
+COpmShowResultPage::COpmShowResultPage(QWidget* parent) : CWidget(parent)
 {
     puts("COpmShowResultPage ");
     m_opmData = CBrovaOpmDataEngine::getSingleInstance();
@@ -45,17 +44,14 @@ COpmShowResultPage::COpmShowResultPage(QWidget* parent)
     connect(m_pClear, SIGNAL(clicked()), this, SLOT(onClearBtnClick()));
 }
 
-COpmShowResultPage::~COpmShowResultPage()
-{
-    puts("~COpmShowResultPage ");
-}
+COpmShowResultPage::~COpmShowResultPage() { puts("~COpmShowResultPage "); }
 
 QString COpmShowResultPage::resultLine(int index, const Result& result)
 {
     // The store keeps every text field NUL-ended, so "%s" stays inside its field.
     char line[kLineSize];
     int used = snprintf(line, sizeof line, "Loc #%d , Wave length:%s nm , Mode:%s , Value:%s",
-        index + 1, result.waveLenth, result.testMode, result.value);
+                        index + 1, result.waveLenth, result.testMode, result.value);
     if (result.isLimit && used >= 0 && used < kLineSize - 1)
         snprintf(line + used, sizeof line - size_t(used), " , Pass:%s", result.pass);
     return QString::fromLatin1(line);

@@ -61,7 +61,7 @@ private:
     static bool isReading(const QString& text)
     {
         static const QRegularExpression reading(
-                QStringLiteral("^-?[0-9]+\\.[0-9]+ (dBm|dB|mW|uW|dB/km|dB/mi)$"));
+            QStringLiteral("^-?[0-9]+\\.[0-9]+ (dBm|dB|mW|uW|dB/km|dB/mi)$"));
         return reading.match(text).hasMatch();
     }
 

@@ -28,7 +28,8 @@ void TestOffsetBar::labelsAndClear()
     OffsetBar bar;
     QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), QString("-60 10"));
     bar.setRangedOffset(-1e15, 1e15, 0.0); // longer than 15 characters
-    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), QString("-1000000000000000.00 1000000000000000.00"));
+    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(),
+             QString("-1000000000000000.00 1000000000000000.00"));
 
     // clear() keeps limits, value and labels: the marker is placed from the lower limit.
     bar.setRangedOffset(-20.0, -10.0, -15.0);
@@ -55,7 +56,7 @@ void TestOffsetBar::position_data()
     const double inf = std::numeric_limits<double>::infinity();
 
     QTest::newRow("after construction: position 0, value 0, limits -60 and 10")
-            << int(Constructed) << 0.0 << 0.0 << 0.0 << 0 << 184;
+        << int(Constructed) << 0.0 << 0.0 << 0.0 << 0 << 184;
     QTest::newRow("lower limit") << int(Doubles) << -20.0 << -10.0 << -20.0 << 0 << 36;
     QTest::newRow("middle") << int(Doubles) << -20.0 << -10.0 << -15.0 << 50 << 122;
     QTest::newRow("upper limit") << int(Doubles) << -20.0 << -10.0 << -10.0 << 100 << 209;
@@ -69,7 +70,7 @@ void TestOffsetBar::position_data()
     QTest::newRow("NaN value") << int(Doubles) << -20.0 << -10.0 << nan << 0 << 0;
     QTest::newRow("infinite value") << int(Doubles) << -20.0 << -10.0 << inf << 100 << 240;
     QTest::newRow("whole numbers, widest range")
-            << int(Ints) << double(INT_MIN) << double(INT_MAX) << double(INT_MAX) << 100 << 209;
+        << int(Ints) << double(INT_MIN) << double(INT_MAX) << double(INT_MAX) << 100 << 209;
 }
 
 void TestOffsetBar::position()
@@ -113,11 +114,21 @@ void TestOffsetBar::repaint_data()
     QTest::addColumn<QString>("before"); // low high value
     QTest::addColumn<QString>("after");
     QTest::addColumn<QString>("repainted"); // nothing, markers or all
-    QTest::newRow("same reading") << "-60 10 -12.34" << "-60 10 -12.34" << "nothing";
-    QTest::newRow("reading moves less than a pixel") << "-60 10 -12.34" << "-60 10 -12.35" << "nothing";
-    QTest::newRow("marker moves") << "-60 10 -12" << "-60 10 -5" << "markers";
-    QTest::newRow("further below the lower limit") << "-20 -10 -21" << "-20 -10 -22" << "markers";
-    QTest::newRow("new limits, marker in place") << "-60 10 -25" << "-70 0 -35" << "all";
+    QTest::newRow("same reading") << "-60 10 -12.34"
+                                  << "-60 10 -12.34"
+                                  << "nothing";
+    QTest::newRow("reading moves less than a pixel") << "-60 10 -12.34"
+                                                     << "-60 10 -12.35"
+                                                     << "nothing";
+    QTest::newRow("marker moves") << "-60 10 -12"
+                                  << "-60 10 -5"
+                                  << "markers";
+    QTest::newRow("further below the lower limit") << "-20 -10 -21"
+                                                   << "-20 -10 -22"
+                                                   << "markers";
+    QTest::newRow("new limits, marker in place") << "-60 10 -25"
+                                                 << "-70 0 -35"
+                                                 << "all";
 }
 
 void TestOffsetBar::repaint()
@@ -146,7 +157,8 @@ void TestOffsetBar::repaint()
     QCOMPARE(painted.region.isEmpty(), repainted == "nothing");
     QCOMPARE(painted.region.intersects(labels), repainted == "all");
     if (repainted == "markers")
-        QVERIFY(painted.region.contains(QRect(oldX, 12, 5, 1)) && painted.region.contains(QRect(bar.markerX(), 12, 5, 1)));
+        QVERIFY(painted.region.contains(QRect(oldX, 12, 5, 1))
+                && painted.region.contains(QRect(bar.markerX(), 12, 5, 1)));
 }
 
 QTEST_MAIN(TestOffsetBar)

@@ -27,14 +27,26 @@ void TestTexts::copy_data()
     QTest::addColumn<QString>("source"); // a null text stands for a null pointer
     QTest::addColumn<QString>("copied");
     QTest::addColumn<QString>("measured");
-    QTest::newRow("null") << QString() << "" << "";
-    QTest::newRow("one too long") << "1234567890123456" << "123456789012345" << "123456789012345";
-    QTest::newRow("exact fit") << "-1.500000 dB/km" << "-1.500000 dB/km" << "-1.500000 dB/km";
-    QTest::newRow("one digit dropped") << "-12.500000 dB/km" << "-12.500000 dB/k" << "-12.50000 dB/km";
-    QTest::newRow("every digit and the point dropped")
-            << "-1234567.500000 dB/km" << "-1234567.500000" << "-1234567 dB/km";
-    QTest::newRow("still too long: cut") << "-12345678.500000 dB/km" << "-12345678.50000" << "-12345678.50000";
-    QTest::newRow("point only in the unit: cut") << "12 dB.km/xxxxxxxxx" << "12 dB.km/xxxxxx" << "12 dB.km/xxxxxx";
+    QTest::newRow("null") << QString() << ""
+                          << "";
+    QTest::newRow("one too long") << "1234567890123456"
+                                  << "123456789012345"
+                                  << "123456789012345";
+    QTest::newRow("exact fit") << "-1.500000 dB/km"
+                               << "-1.500000 dB/km"
+                               << "-1.500000 dB/km";
+    QTest::newRow("one digit dropped") << "-12.500000 dB/km"
+                                       << "-12.500000 dB/k"
+                                       << "-12.50000 dB/km";
+    QTest::newRow("every digit and the point dropped") << "-1234567.500000 dB/km"
+                                                       << "-1234567.500000"
+                                                       << "-1234567 dB/km";
+    QTest::newRow("still too long: cut") << "-12345678.500000 dB/km"
+                                         << "-12345678.50000"
+                                         << "-12345678.50000";
+    QTest::newRow("point only in the unit: cut") << "12 dB.km/xxxxxxxxx"
+                                                 << "12 dB.km/xxxxxx"
+                                                 << "12 dB.km/xxxxxx";
 }
 
 void TestTexts::copy()
@@ -47,7 +59,8 @@ void TestTexts::copy()
     char field[16];
     std::memset(field, 'X', sizeof field);
     std::memcpy(field, bytes.constData(), std::min(sizeof field, size_t(bytes.size()) + 1));
-    QCOMPARE(int(FixedText::length(field, sizeof field)), copied.size()); // a full field's last byte is its end
+    QCOMPARE(int(FixedText::length(field, sizeof field)),
+             copied.size()); // a full field's last byte is its end
 
     for (int way = 0; way < 3; ++way) {
         char guarded[32];
@@ -59,7 +72,8 @@ void TestTexts::copy()
         else
             FixedText::copyMeasurement(guarded + 8, 16, src);
         QCOMPARE(QByteArray(guarded, 8) + QByteArray(guarded + 24, 8), QByteArray(16, '#'));
-        QCOMPARE(QString::fromLatin1(guarded + 8, int(strnlen(guarded + 8, 16))), way == 2 ? measured : copied);
+        QCOMPARE(QString::fromLatin1(guarded + 8, int(strnlen(guarded + 8, 16))),
+                 way == 2 ? measured : copied);
     }
 }
 
@@ -68,7 +82,7 @@ void TestTexts::format_data()
     // The page's settings: "power <unit>" or "loss <unit> <length> <reference>".
     QTest::addColumn<QString>("settings");
     QTest::addColumn<QByteArray>("value"); // with the reader's unit after a blank
-    QTest::addColumn<QString>("shown");    // text | limitsUnit | fiberLength ("was": unchanged)
+    QTest::addColumn<QString>("shown"); // text | limitsUnit | fiberLength ("was": unchanged)
 
     QTest::newRow("dBm") << "power dBm" << QByteArray("-3.21 dBm") << "-3.210 dBm|dBm|was";
     QTest::newRow("mW -10") << "power mW" << QByteArray("-10 dBm") << "0.100000 mW|mW|was";
@@ -76,13 +90,19 @@ void TestTexts::format_data()
     QTest::newRow("uW -10") << "power uW" << QByteArray("-10 dBm") << "100.000000 uW|uW|was";
     QTest::newRow("relative level") << "power dBm" << QByteArray("-2.5 dB") << "-2.500 dB|dB|was";
     QTest::newRow("no light") << "power mW" << QByteArray("---.-- dBm") << "---.--|was|was";
-    QTest::newRow("no light, loss") << "loss dB/km 2 -5" << QByteArray("---.-- dBm") << "---.--|was|was";
+    QTest::newRow("no light, loss")
+        << "loss dB/km 2 -5" << QByteArray("---.-- dBm") << "---.--|was|was";
     QTest::newRow("loss dB") << "loss dB 2 -5" << QByteArray("-8 dBm") << "3.000000 dB|was|";
-    QTest::newRow("loss dB/km") << "loss dB/km 2 -5" << QByteArray("-9 dBm") << "2.000000 dB/km|was|2.000000 km";
-    QTest::newRow("loss dB/mi") << "loss dB/mi 2.5 -5" << QByteArray("-10 dBm") << "2.000000 dB/mi|was|2.500000 mi";
-    QTest::newRow("loss, 16 characters") << "loss dB/km 2 -5" << QByteArray("20 dBm") << "-12.500000 dB/km|was|2.000000 km";
-    QTest::newRow("longest length") << "loss dB/km 99999 0" << QByteArray("-1 dBm") << "0.000010 dB/km|was|99999.000000 km";
-    QTest::newRow("reference not a number") << "loss dB 1 abc" << QByteArray("-8 dBm") << "8.000000 dB|was|";
+    QTest::newRow("loss dB/km") << "loss dB/km 2 -5" << QByteArray("-9 dBm")
+                                << "2.000000 dB/km|was|2.000000 km";
+    QTest::newRow("loss dB/mi") << "loss dB/mi 2.5 -5" << QByteArray("-10 dBm")
+                                << "2.000000 dB/mi|was|2.500000 mi";
+    QTest::newRow("loss, 16 characters")
+        << "loss dB/km 2 -5" << QByteArray("20 dBm") << "-12.500000 dB/km|was|2.000000 km";
+    QTest::newRow("longest length")
+        << "loss dB/km 99999 0" << QByteArray("-1 dBm") << "0.000010 dB/km|was|99999.000000 km";
+    QTest::newRow("reference not a number")
+        << "loss dB 1 abc" << QByteArray("-8 dBm") << "8.000000 dB|was|";
     // Beyond a float, or no number at all: defined texts, no undefined conversion.
     QTest::newRow("nan") << "power dBm" << QByteArray("nan dBm") << "nan dBm|dBm|was";
     QTest::newRow("inf mW") << "power mW" << QByteArray("inf dBm") << "inf mW|mW|was";
@@ -90,7 +110,8 @@ void TestTexts::format_data()
     QTest::newRow("1e400") << "power dBm" << QByteArray("-1e400 dBm") << "-inf dBm|dBm|was";
     QTest::newRow("-1e-320") << "power dBm" << QByteArray("-1e-320 dBm") << "-0.000 dBm|dBm|was";
     QTest::newRow("empty") << "power dBm" << QByteArray(" dBm") << "0.000 dBm|dBm|was";
-    QTest::newRow("loss over a tiny length") << "loss dB/km 1e-30 1e30" << QByteArray("0 dBm") << "inf dB/km|was|0.000000 km";
+    QTest::newRow("loss over a tiny length")
+        << "loss dB/km 1e-30 1e30" << QByteArray("0 dBm") << "inf dB/km|was|0.000000 km";
     // A unit the page does not know (within what its enumeration can hold): nothing written.
     QTest::newRow("unknown unit") << "power 3" << QByteArray("-3 dBm") << "|was|was";
     QTest::newRow("unknown loss unit") << "loss 3 1 0" << QByteArray("-3 dBm") << "|was|was";
@@ -107,8 +128,8 @@ void TestTexts::format()
     for (int i = 0; i < 6; ++i)
         unit = s[1] == units[i] ? i % 3 : unit;
     const QByteArray reference = s.value(3).toLatin1();
-    const OpmDisplaySettings display = { s[0] == "power" ? PowerMeter : LossMeter,
-                                         RusultUnit(unit), LossLengthType(unit), s.value(2).toFloat(),
+    const OpmDisplaySettings display = { s[0] == "power" ? PowerMeter : LossMeter, RusultUnit(unit),
+                                         LossLengthType(unit), s.value(2).toFloat(),
                                          reference.constData() };
     const QList<QByteArray> reading = value.split(' ');
 
@@ -118,8 +139,8 @@ void TestTexts::format()
     FixedText::copy(result.fiberLength, "was");
     char text[1024];
     std::memset(text, 0, sizeof text);
-    const bool known = opmFormatReading(display, reading[0].constData(), reading[1].constData(), text,
-                                        sizeof text, &result);
+    const bool known = opmFormatReading(display, reading[0].constData(), reading[1].constData(),
+                                        text, sizeof text, &result);
     QCOMPARE(known, !shown.startsWith('|'));
     QCOMPARE(QString::fromLatin1(text) + '|' + result.limitsUnit + '|' + result.fiberLength, shown);
 }

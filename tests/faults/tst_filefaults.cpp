@@ -21,19 +21,25 @@ private slots:
 
 void TestFileFaults::settingsLost_data()
 {
-    QTest::addColumn<bool>("atStart");    // else while the page runs
+    QTest::addColumn<bool>("atStart"); // else while the page runs
     QTest::addColumn<QString>("blocked"); // taken away, a folder with all it holds
-    QTest::addColumn<QString>("blocker"); // put in its place: a "file", a "folder" or "binary" bytes
-    QTest::addColumn<bool>("fails");      // the changes cannot be kept
+    QTest::addColumn<QString>(
+        "blocker"); // put in its place: a "file", a "folder" or "binary" bytes
+    QTest::addColumn<bool>("fails"); // the changes cannot be kept
 
     QTest::newRow("binary file at start") << true << kSettingFile << "binary" << false;
-    QTest::newRow("folder is a file at start") << true << "/home/Setting" << "file" << true;
-    QTest::newRow("home is a file at start") << true << "/home" << "file" << true;
+    QTest::newRow("folder is a file at start") << true << "/home/Setting"
+                                               << "file" << true;
+    QTest::newRow("home is a file at start") << true << "/home"
+                                             << "file" << true;
     QTest::newRow("file deleted") << false << kSettingFile << "" << false;
-    QTest::newRow("folder deleted") << false << "/home/Setting" << "" << false; // made again on writing
+    QTest::newRow("folder deleted") << false << "/home/Setting"
+                                    << "" << false; // made again on writing
     QTest::newRow("file is a folder") << false << kSettingFile << "folder" << true;
-    QTest::newRow("folder is a file") << false << "/home/Setting" << "file" << true;
-    QTest::newRow("home is a file") << false << "/home" << "file" << true;
+    QTest::newRow("folder is a file") << false << "/home/Setting"
+                                      << "file" << true;
+    QTest::newRow("home is a file") << false << "/home"
+                                    << "file" << true;
 }
 
 // No key of the setup can be read: the page goes on with the defaults, and with its changes in
@@ -77,7 +83,8 @@ void TestFileFaults::settingsLost()
     TestCompat::removeRecursively(fx.root.file(blocked));
     QVERIFY(QDir().mkpath(fx.root.file("/home/Setting")));
     fx.act("click limits");
-    fx.verify(facts("file=13; file:Wavelength=1550; file:UNIT=mW; file:PowerLimit=enable; file:TestMode=PowerMeter"));
+    fx.verify(facts("file=13; file:Wavelength=1550; file:UNIT=mW; file:PowerLimit=enable; "
+                    "file:TestMode=PowerMeter"));
 }
 
 // F1 with a file where the report folder should be: the failure is traced, nothing is written,

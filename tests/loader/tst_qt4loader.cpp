@@ -40,7 +40,8 @@ void TestQt4Loader::productPluginLoads()
     QVERIFY(root);
     QCOMPARE(loader.instance(), root);
     QLibrary library(QString::fromLatin1(OPM_PLUGIN_FILE));
-    PluginInstance instance = reinterpret_cast<PluginInstance>(library.resolve("qt_plugin_instance"));
+    PluginInstance instance =
+        reinterpret_cast<PluginInstance>(library.resolve("qt_plugin_instance"));
     QVERIFY(instance);
     QCOMPARE(instance(), root);
 

@@ -21,8 +21,8 @@ inline QStringList storeResults(const QStringList& rows)
         const QStringList f = rows[i].split('|');
         Result r;
         std::memset(&r, 0, sizeof r);
-        char* const fields[] = { r.testMode, r.waveLenth, r.value, r.pass, r.minimum, r.maximum,
-                                 r.limitsUnit, r.ref, r.fiberLength };
+        char* const fields[] = { r.testMode, r.waveLenth,  r.value, r.pass,       r.minimum,
+                                 r.maximum,  r.limitsUnit, r.ref,   r.fiberLength };
         for (int j = 0; j < 9; ++j)
             FixedText::copy(fields[j], 16, f.value(j).toLatin1().constData());
         r.isLimit = !f.value(3).isEmpty();

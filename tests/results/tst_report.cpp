@@ -47,11 +47,14 @@ struct ReportFixture
     QString report(const QString& name) const
     {
         QString text = QString::fromUtf8(root.readFile("/home/brova/brova-rslt/opm/" + name));
-        QRegExp date("(Monday|Tuesday|Wednesday|Thursday|Friday|Saturday|Sunday) (January|February|March|April|May|"
-                     "June|July|August|September|October|November|December) (\\d{4} \\d\\d:\\d\\d:\\d\\d)");
+        QRegExp date(
+            "(Monday|Tuesday|Wednesday|Thursday|Friday|Saturday|Sunday) "
+            "(January|February|March|April|May|"
+            "June|July|August|September|October|November|December) (\\d{4} \\d\\d:\\d\\d:\\d\\d)");
         const int at = date.indexIn(text);
         const QString format("yyyy hh:mm:ss");
-        if (at >= 0 && (date.cap(3) == before.toString(format) || date.cap(3) == after.toString(format)))
+        if (at >= 0
+            && (date.cap(3) == before.toString(format) || date.cap(3) == after.toString(format)))
             text.replace(at, date.matchedLength(), "%DATE%");
         return text;
     }
@@ -67,7 +70,8 @@ struct ReportFixture
 QString golden(const QString& name, const QString& actual)
 {
     QFile file(QString(REPORT_GOLDEN_DIR) + '/' + name);
-    const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    const QString text =
+        file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     QFile differs(QCoreApplication::applicationDirPath() + '/' + name);
     if (text != actual && differs.open(QIODevice::WriteOnly))
         differs.write(actual.toUtf8());
@@ -103,10 +107,7 @@ private slots:
 };
 
 // The report's day and month names must not follow the machine's language.
-void TestReport::initTestCase()
-{
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-}
+void TestReport::initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
 
 // Each kind of table once, oldest first: Power Meter with limits and without, Loss Meter with
 // limits and a length, with limits and no length, without limits, and a mode text that is
@@ -114,11 +115,14 @@ void TestReport::initTestCase()
 void TestReport::everyTable()
 {
     ReportFixture fx;
-    const QStringList times = storeResults(QStringList()
-            << "Power Meter|1550|-12.345 dBm|YES|-20.000000|0.000000|dBm" << "Power Meter|1625|0.000120 mW|"
-            << "Loss Meter|850|2.750000 dB/km|NO|-20.000000|-3.000000|dBm|-3.02|3.200000 km"
-            << "Loss Meter|1310|1.250000 dB|YES|0.000100|0.002000|mW|-4.50|" << "Loss Meter|1490|0.500000 dB||||||"
-            << "loss meter|850|1.000 dBm|");
+    const QStringList times = storeResults(
+        QStringList()
+        << "Power Meter|1550|-12.345 dBm|YES|-20.000000|0.000000|dBm"
+        << "Power Meter|1625|0.000120 mW|"
+        << "Loss Meter|850|2.750000 dB/km|NO|-20.000000|-3.000000|dBm|-3.02|3.200000 km"
+        << "Loss Meter|1310|1.250000 dB|YES|0.000100|0.002000|mW|-4.50|"
+        << "Loss Meter|1490|0.500000 dB||||||"
+        << "loss meter|850|1.000 dBm|");
     QVERIFY(!fx.exportAs("report").contains("ERROR"));
     QCOMPARE(fx.reports(), QStringList("report.html"));
     QString report = fx.report("report.html");
@@ -141,28 +145,40 @@ void TestReport::markupInTexts()
 {
     const QString m = "<b>&\"x</td>";
     ReportFixture fx("mac=00:1a:2b:3c:4d:5e\nsn=" + m.toLatin1() + '\n');
-    QVERIFY(fx.root.writeFile("/usr/local/brova/lib/vendor-info.txt", "v Common <i>2.4</i> & \"x\" </td></tr>\n"));
-    const QStringList times = storeResults(QStringList() << QString("Loss Meter|%1|%1|%1|%1|%1|%1|%1|%1").arg(m)
-                                                         << QString("%1|%1|%1|%1|%1|%1|%1").arg(m));
+    QVERIFY(fx.root.writeFile("/usr/local/brova/lib/vendor-info.txt",
+                              "v Common <i>2.4</i> & \"x\" </td></tr>\n"));
+    const QStringList times =
+        storeResults(QStringList() << QString("Loss Meter|%1|%1|%1|%1|%1|%1|%1|%1").arg(m)
+                                   << QString("%1|%1|%1|%1|%1|%1|%1").arg(m));
     fx.exportAs("markup");
-    QCOMPARE(parsedTables(fx.root.file("/home/brova/brova-rslt/opm/markup.html")).replace(times[0], "T").replace(times[1], "T"),
-             "Software Version:|Common <i>2.4</i> & \"x\" </td></tr>\nMAC Address of Test Port:|00:1a:2b:3c:4d:5e\n"
-             "Serial Number of Test Set:|" + m + "\n\nST|WaveLenth(nm)|Test Mode|Ref.(dBm)|Length|Minimum|Maximum|Value|Pass\n"
-             "T|" + QString("%1|Loss Meter|%1|%1|%1%1|%1%1|%1|%1\n\nST|WaveLenth(nm)|Test Mode|Minimum|Maximum|Value|Pass\n"
-                                   "T|%1|%1|%1%1|%1%1|%1|%1\n").arg(m));
+    QCOMPARE(parsedTables(fx.root.file("/home/brova/brova-rslt/opm/markup.html"))
+                 .replace(times[0], "T")
+                 .replace(times[1], "T"),
+             "Software Version:|Common <i>2.4</i> & \"x\" </td></tr>\nMAC Address of Test "
+             "Port:|00:1a:2b:3c:4d:5e\n"
+             "Serial Number of Test Set:|"
+                 + m
+                 + "\n\nST|WaveLenth(nm)|Test Mode|Ref.(dBm)|Length|Minimum|Maximum|Value|Pass\n"
+                   "T|"
+                 + QString("%1|Loss Meter|%1|%1|%1%1|%1%1|%1|%1\n\nST|WaveLenth(nm)|Test "
+                           "Mode|Minimum|Maximum|Value|Pass\n"
+                           "T|%1|%1|%1%1|%1%1|%1|%1\n")
+                       .arg(m));
 }
 
 void TestReport::generalInformation_data()
 {
     QTest::addColumn<QByteArray>("e2prom"); // null: no file
-    QTest::addColumn<QString>("rows");      // the cells after the date's row, joined by '|'
+    QTest::addColumn<QString>("rows"); // the cells after the date's row, joined by '|'
 
     const QString version = "Software Version:|Common 2.4.1\n";
     QTest::newRow("no EEPROM data") << QByteArray() << version;
-    QTest::newRow("MAC unreadable") << QByteArray("mac=00:1a:2b\nsn=X1\n") << version + "|Serial Number of Test Set:|X1";
-    QTest::newRow("MAC with dots") << QByteArray("mac=00.1a.2b.3c.4d.5e\nsn=X1\n") << version + "|Serial Number of Test Set:|X1";
+    QTest::newRow("MAC unreadable")
+        << QByteArray("mac=00:1a:2b\nsn=X1\n") << version + "|Serial Number of Test Set:|X1";
+    QTest::newRow("MAC with dots") << QByteArray("mac=00.1a.2b.3c.4d.5e\nsn=X1\n")
+                                   << version + "|Serial Number of Test Set:|X1";
     QTest::newRow("serial unreadable") << QByteArray("mac=00:1a:2b:3c:4d:5e\n")
-            << version + "|MAC Address of Test Port:|00:1a:2b:3c:4d:5e";
+                                       << version + "|MAC Address of Test Port:|00:1a:2b:3c:4d:5e";
 }
 
 // A row whose read fails is left out, and the failure traced with the line of that read.
@@ -177,7 +193,8 @@ void TestReport::generalInformation()
     const QString info = fx.report("info.html");
     QRegExp cell("<td>([^<]*)</td>");
     QStringList cells;
-    for (int at = info.indexOf(cell); at >= 0 && at < info.indexOf("</table>"); at = info.indexOf(cell, at + 1))
+    for (int at = info.indexOf(cell); at >= 0 && at < info.indexOf("</table>");
+         at = info.indexOf(cell, at + 1))
         cells << cell.cap(1);
     QCOMPARE(cells.join("|"), "Date and Time Results Were Saved:|%DATE%|" + rows);
     const int failedReads = 2 - rows.count("Address") - rows.count("Serial");
@@ -192,12 +209,17 @@ void TestReport::version_data()
     QTest::addColumn<int>("status");
     QTest::addColumn<QByteArray>("version");
 
-    QTest::newRow("first line from Common on") << kVendor << 128 << 0 << QByteArray("Common 2.4.1\n");
-    QTest::newRow("no line break") << QByteArray("v3 Common 3.0") << 128 << 0 << QByteArray("Common 3.0");
-    QTest::newRow("no Common in the first line") << QByteArray("Brova 2.4.1\nCommon 9\n") << 128 << 0 << QByteArray();
+    QTest::newRow("first line from Common on")
+        << kVendor << 128 << 0 << QByteArray("Common 2.4.1\n");
+    QTest::newRow("no line break")
+        << QByteArray("v3 Common 3.0") << 128 << 0 << QByteArray("Common 3.0");
+    QTest::newRow("no Common in the first line")
+        << QByteArray("Brova 2.4.1\nCommon 9\n") << 128 << 0 << QByteArray();
     // Only the first room - 1 characters of the first line are read.
-    QTest::newRow("1 MB line") << "Common " + QByteArray(1 << 20, 'x') << 128 << 0 << "Common " + QByteArray(120, 'x');
-    QTest::newRow("Common too late") << QByteArray(127, 'x') + "Common 1\n" << 128 << 0 << QByteArray();
+    QTest::newRow("1 MB line") << "Common " + QByteArray(1 << 20, 'x') << 128 << 0
+                               << "Common " + QByteArray(120, 'x');
+    QTest::newRow("Common too late") << QByteArray(127, 'x') + "Common 1\n"
+                                     << 128 << 0 << QByteArray();
     QTest::newRow("no file") << QByteArray() << 128 << -1 << QByteArray();
     QTest::newRow("no room") << kVendor << 0 << -2 << QByteArray();
 }
@@ -224,11 +246,13 @@ void TestReport::names_data()
     QTest::addColumn<QString>("entry");
     QTest::addColumn<QString>("file"); // "%STAMP%": the proposed date-and-time name
 
-    QTest::newRow("proposed name") << "%OK%" << "%STAMP%.html";
+    QTest::newRow("proposed name") << "%OK%"
+                                   << "%STAMP%.html";
     QTest::newRow("keypad cancelled") << QString() << "%STAMP%.html";
     // The keypad takes at most 100 characters.
     QTest::newRow("300 characters") << QString(300, 'n') << QString(100, 'n') + ".html";
-    QTest::newRow("slash into no folder") << "a/b" << "";
+    QTest::newRow("slash into no folder") << "a/b"
+                                          << "";
 }
 
 // The proposed name is the moment the keypad opened.
@@ -247,7 +271,8 @@ void TestReport::names()
     const QString format("yyyyMMdd-hhmmss");
     const QStringList first(QString(file).replace("%STAMP%", fx.before.toString(format)));
     const QStringList last(QString(file).replace("%STAMP%", fx.after.toString(format)));
-    QVERIFY2(file.isEmpty() ? fx.reports().isEmpty() : fx.reports() == first || fx.reports() == last,
+    QVERIFY2(file.isEmpty() ? fx.reports().isEmpty()
+                            : fx.reports() == first || fx.reports() == last,
              qPrintable(fx.reports().join(" ")));
 }
 

@@ -30,7 +30,10 @@ QString withStored(std::list<Result> list)
     return numbers.join(" ");
 }
 
-QByteArray bytesOf(const Result& r) { return QByteArray(reinterpret_cast<const char*>(&r), sizeof r); }
+QByteArray bytesOf(const Result& r)
+{
+    return QByteArray(reinterpret_cast<const char*>(&r), sizeof r);
+}
 
 } // namespace
 
@@ -56,7 +59,8 @@ void TestResultPage::store()
     const QDateTime after = QDateTime::currentDateTime();
     QCOMPARE(bytesOf(::store()->getLastResultItem()), bytesOf(first));
     const QString format("yyyy-MM-dd HH:mm:ss");
-    QVERIFY2(first.time == before.toString(format) || first.time == after.toString(format), first.time);
+    QVERIFY2(first.time == before.toString(format) || first.time == after.toString(format),
+             first.time);
 
     for (int n = 2; n <= 13; ++n) {
         Result r = reading(n);
@@ -64,7 +68,8 @@ void TestResultPage::store()
     }
     QCOMPARE(::store()->getResultItemCount(), 12);
     QCOMPARE(QString::fromLatin1(::store()->getLastResultItem().value), QString("13"));
-    QCOMPARE(withStored(std::list<Result>(1, reading(100))), QString("100 2 3 4 5 6 7 8 9 10 11 12 13"));
+    QCOMPARE(withStored(std::list<Result>(1, reading(100))),
+             QString("100 2 3 4 5 6 7 8 9 10 11 12 13"));
     ::store()->clearAllresultItem();
     QCOMPARE(withStored(std::list<Result>()), QString());
     QCOMPARE(bytesOf(::store()->getLastResultItem()), QByteArray(sizeof(Result), '\0'));
@@ -77,19 +82,26 @@ void TestResultPage::lines_data()
 
     QTest::newRow("empty store") << QStringList() << QStringList();
     QTest::newRow("limits on and off")
-            << (QStringList() << "Power Meter|1550|-12.345 dBm|YES" << "Loss Meter|850|2.750000 dB/km|")
-            << (QStringList() << "Loc #1 , Wave length:1550 nm , Mode:Power Meter , Value:-12.345 dBm , Pass:YES"
-                              << "Loc #2 , Wave length:850 nm , Mode:Loss Meter , Value:2.750000 dB/km");
+        << (QStringList() << "Power Meter|1550|-12.345 dBm|YES"
+                          << "Loss Meter|850|2.750000 dB/km|")
+        << (QStringList()
+            << "Loc #1 , Wave length:1550 nm , Mode:Power Meter , Value:-12.345 dBm , Pass:YES"
+            << "Loc #2 , Wave length:850 nm , Mode:Loss Meter , Value:2.750000 dB/km");
     QStringList twelve, twelveLines;
     for (int i = 1; i <= 12; ++i) {
         twelve << QString("Power Meter|1625|-%1.000 dBm|").arg(i);
-        twelveLines << QString("Loc #%1 , Wave length:1625 nm , Mode:Power Meter , Value:-%1.000 dBm").arg(i);
+        twelveLines << QString(
+                           "Loc #%1 , Wave length:1625 nm , Mode:Power Meter , Value:-%1.000 dBm")
+                           .arg(i);
     }
     QTest::newRow("twelve, oldest first") << twelve << twelveLines;
     // Every field at its full width: the line is cut at 99 characters.
     const QString w(15, 'W');
-    QTest::newRow("full-width fields") << QStringList((QStringList() << w << w << w << w).join("|"))
-            << QStringList(QString("Loc #1 , Wave length:%1 nm , Mode:%1 , Value:%1 , Pass:%1").arg(w).left(99));
+    QTest::newRow("full-width fields")
+        << QStringList((QStringList() << w << w << w << w).join("|"))
+        << QStringList(QString("Loc #1 , Wave length:%1 nm , Mode:%1 , Value:%1 , Pass:%1")
+                           .arg(w)
+                           .left(99));
 }
 
 void TestResultPage::lines()

@@ -44,7 +44,7 @@ bool shellTakesLibrary()
 {
     QFile shell("/bin/sh"), library(SLOW_READER_START_LIBRARY);
     return shell.open(QIODevice::ReadOnly) && library.open(QIODevice::ReadOnly)
-            && shell.read(5).right(1) == library.read(5).right(1);
+        && shell.read(5).right(1) == library.read(5).right(1);
 }
 
 } // namespace
@@ -153,8 +153,10 @@ void TestOpmPlugin::startStopTerminate()
     QCOMPARE(windows.first()->centralWidget(), static_cast<QWidget*>(pages.first()));
     QVERIFY(windows.first()->isVisible());
     CTabWidget* tabs = pages.first()->findChild<CTabWidget*>();
-    QVERIFY(tabs && qobject_cast<NerioOpm*>(tabs->widget(0)) && qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
-    QCOMPARE(tabs->tabText(0) + '|' + tabs->tabText(1) + '|' + tabs->tabText(2), QString("Setup|Result|"));
+    QVERIFY(tabs && qobject_cast<NerioOpm*>(tabs->widget(0))
+            && qobject_cast<COpmShowResultPage*>(tabs->widget(1)));
+    QCOMPARE(tabs->tabText(0) + '|' + tabs->tabText(1) + '|' + tabs->tabText(2),
+             QString("Setup|Result|"));
     QCOMPARE(tabs->size(), QSize(658, 398));
     QVERIFY(m_root->readersSettleAt(1));
 
@@ -188,9 +190,10 @@ void TestOpmPlugin::instanceIsSingleWithIdentity()
     // The host casts the root object by the interface id.
     UtilInterface* expected = qobject_cast<NerioOpmPlugin*>(first);
     QVERIFY(expected);
-    QCOMPARE(first->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0"), static_cast<void*>(expected));
-    QCOMPARE(expected->getPluginID() + '|' + expected->getPluginName() + '|' + expected->getPluginVersion() + '|'
-                     + expected->getPluginBuilder(),
+    QCOMPARE(first->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0"),
+             static_cast<void*>(expected));
+    QCOMPARE(expected->getPluginID() + '|' + expected->getPluginName() + '|'
+                 + expected->getPluginVersion() + '|' + expected->getPluginBuilder(),
              QString("com.corvaneinc.CommonUtil.NerioOpmPlugin|OpticalPowerMeter|1.0|CORVANE"));
 
     // Once the object is gone the export makes a new one instead of handing out the old.
@@ -209,14 +212,17 @@ void TestOpmPlugin::verificationText()
     QVERIFY2(PluginVerify::checkVerificationText(text.constData(), &error), error.c_str());
 
     std::vector<char> section;
-    QVERIFY2(PluginVerify::readElfSection(OPM_PLUGIN_FILE, ".qtplugin", &section, &error), error.c_str());
+    QVERIFY2(PluginVerify::readElfSection(OPM_PLUGIN_FILE, ".qtplugin", &section, &error),
+             error.c_str());
     QCOMPARE(QByteArray(section.data(), int(section.size())), text + '\0');
 
     QLibrary module(OPM_PLUGIN_FILE);
     typedef const char* (*Query)();
-    const Query query = reinterpret_cast<Query>(module.resolve("qt_plugin_query_verification_data"));
+    const Query query =
+        reinterpret_cast<Query>(module.resolve("qt_plugin_query_verification_data"));
     QVERIFY2(query, qPrintable(module.errorString()));
-    QVERIFY(reinterpret_cast<void*>(query) != reinterpret_cast<void*>(&qt_plugin_query_verification_data));
+    QVERIFY(reinterpret_cast<void*>(query)
+            != reinterpret_cast<void*>(&qt_plugin_query_verification_data));
     QCOMPARE(QByteArray(query()), text);
 }
 
@@ -235,7 +241,9 @@ void TestOpmPlugin::startKillStartLeavesOneReader()
         // A start the shell has not carried out yet would show up within slowMs.
         QTest::qWait(slowMs + 10);
         QVERIFY2(m_root->readersSettleAt(1, 3000),
-            qPrintable(QString("%1 readers after sequence %2").arg(m_root->runningReaders().size()).arg(i)));
+                 qPrintable(QString("%1 readers after sequence %2")
+                                .arg(m_root->runningReaders().size())
+                                .arg(i)));
     }
     QTest::qWait(3 * slowMs);
     QCOMPARE(m_root->runningReaders().size(), 1);

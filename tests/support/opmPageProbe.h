@@ -31,7 +31,8 @@ inline QString fieldText(const char (&field)[N])
 // How a bar reads and where its marker sits; barFor: a bar given these numbers.
 inline QString barText(const OffsetBar& bar)
 {
-    return bar.minLabel() + ".." + bar.maxLabel() + QString(" %1% x%2").arg(bar.percent()).arg(bar.markerX());
+    return bar.minLabel() + ".." + bar.maxLabel()
+        + QString(" %1% x%2").arg(bar.percent()).arg(bar.markerX());
 }
 inline QString barFor(double low, double high, double value)
 {
@@ -82,7 +83,8 @@ struct OpmPageProbe
                 continue;
             if (verb == "show")
                 reader.setReading(qPrintable(step.value(1)), qPrintable(step.value(3, "dBm")),
-                                  qPrintable(step.value(2).replace('_', ' ')), step.value(4, "1").toInt());
+                                  qPrintable(step.value(2).replace('_', ' ')),
+                                  step.value(4, "1").toInt());
             else if (verb == "request")
                 reader.record()->needSave = 1;
             else if (verb == "click" && button)
@@ -108,12 +110,16 @@ struct OpmPageProbe
     // The operator's controls by the names the steps use.
     static QObject* control(NerioOpm* p, const QString& name)
     {
-        QObject* const controls[] = { p->m_pHold, p->m_pSave, p->m_pReference, p->m_pdBm, p->m_pmW, p->m_puW,
-                                      p->m_pLimits, p->m_pReferenceSet, p->m_pReferenceCancel, p->m_pWaveLength,
-                                      p->m_pTestMode, p->m_pLossMeterUnit, p->m_pMinimum, p->m_pMaximum,
-                                      p->m_pLossLength };
-        const int at = QString("hold save reference dBm mW uW limits set cancel wave mode lossUnit min max length")
-                               .split(' ').indexOf(name);
+        QObject* const controls[] = { p->m_pHold,       p->m_pSave,         p->m_pReference,
+                                      p->m_pdBm,        p->m_pmW,           p->m_puW,
+                                      p->m_pLimits,     p->m_pReferenceSet, p->m_pReferenceCancel,
+                                      p->m_pWaveLength, p->m_pTestMode,     p->m_pLossMeterUnit,
+                                      p->m_pMinimum,    p->m_pMaximum,      p->m_pLossLength };
+        const int at =
+            QString(
+                "hold save reference dBm mW uW limits set cancel wave mode lossUnit min max length")
+                .split(' ')
+                .indexOf(name);
         return at < 0 ? 0 : controls[at];
     }
 
@@ -126,12 +132,20 @@ struct OpmPageProbe
         for (int i = 0; i < 5; ++i)
             refs << fieldText(p->m_aWaveLengthRef[i]);
         QString layout;
-        QWidget* const modeWidgets[] = { p->m_pdBm, p->m_pmW, p->m_puW, p->m_pReference, p->m_pLossMeterUnit,
-                                         p->m_pLossLength, p->m_pLabelLossLength, p->m_pOpmRefLabel };
+        QWidget* const modeWidgets[] = { p->m_pdBm,
+                                         p->m_pmW,
+                                         p->m_puW,
+                                         p->m_pReference,
+                                         p->m_pLossMeterUnit,
+                                         p->m_pLossLength,
+                                         p->m_pLabelLossLength,
+                                         p->m_pOpmRefLabel };
         for (int i = 0; i < 8; ++i)
             layout += modeWidgets[i]->isHidden() ? '-' : '+';
         layout += n(p->m_pLimits->minimumWidth()) + '/' + n(p->m_pLimits->maximumWidth());
-        layout = layout == "+++-----190/190" ? "power" : layout == "---+++++120/120" ? "loss" : layout;
+        layout = layout == "+++-----190/190" ? "power"
+            : layout == "---+++++120/120"    ? "loss"
+                                             : layout;
         const Result& r = p->m_result;
         const QRect place = p->m_pOffsetBarResult->geometry();
         Keys k;
@@ -147,7 +161,9 @@ struct OpmPageProbe
         k["refLabel"] = p->m_pOpmRefLabel->text();
         k["capture"] = fieldText(p->m_sOpmRef.value) + '/' + n(p->m_sOpmRef.flag);
         const CDialog* d = p->m_pReferenceDialog;
-        k["dialog"] = !d ? "none" : d->windowModality() == Qt::ApplicationModal ? "modal" : "modeless";
+        k["dialog"] = !d                                  ? "none"
+            : d->windowModality() == Qt::ApplicationModal ? "modal"
+                                                          : "modeless";
         k["dialogLines"] = d ? p->m_pRefLabel2->text() + '|' + p->m_pRefLabel3->text() : QString();
         int dialogs = 0;
         foreach (const CDialog* dialog, p->findChildren<CDialog*>())
@@ -157,15 +173,19 @@ struct OpmPageProbe
         k["unit"] = n(p->m_eRusultUnit);
         k["timer"] = p->m_pTimer->isActive() ? n(p->m_pTimer->interval()) : "off";
         k["lossUnit"] = n(p->m_pLossMeterUnit->currentIndex()) + '/' + n(p->m_eLossLengthType) + ' '
-                + colour(p->m_pLabelLossLength->textColor());
+            + colour(p->m_pLabelLossLength->textColor());
         k["limits"] = n(p->m_pLimits->isChecked()) + n(p->m_bPowerLimits) + n(r.isLimit);
         k["enabled"] = n(p->m_pMinimum->isEnabled()) + n(p->m_pMaximum->isEnabled())
-                + n(p->m_pLossMeterUnit->isEnabled()) + n(p->m_pLossLength->isEnabled());
+            + n(p->m_pLossMeterUnit->isEnabled()) + n(p->m_pLossLength->isEnabled());
         k["min"] = n(p->m_fPowerMin) + '/' + p->m_pMinimum->text();
         k["max"] = n(p->m_fPowerMax) + '/' + p->m_pMaximum->text();
         k["length"] = n(p->m_fLength) + '/' + p->m_pLossLength->text();
         k["bar"] = barText(*p->m_pOffsetBarResult);
-        k["barPlace"] = QString("%1,%2 %3x%4").arg(place.x()).arg(place.y()).arg(place.width()).arg(place.height());
+        k["barPlace"] = QString("%1,%2 %3x%4")
+                            .arg(place.x())
+                            .arg(place.y())
+                            .arg(place.width())
+                            .arg(place.height());
         k["pass"] = n(p->m_bPass);
         k["value"] = fieldText(r.value);
         k["waveLenth"] = fieldText(r.waveLenth);
@@ -180,7 +200,8 @@ struct OpmPageProbe
     static QString n(double value) { return QString::number(value); }
     static QString colour(const QColor& c)
     {
-        const Keys names = facts("#ff0000=red; #00ff00=green; #000000=black; #a0a0a4=grey; #ffffff=white");
+        const Keys names =
+            facts("#ff0000=red; #00ff00=green; #000000=black; #a0a0a4=grey; #ffffff=white");
         return names.value(c.name(), c.name());
     }
 };
@@ -220,7 +241,8 @@ struct PageFixture
             keys.insert("file:" + it.key(), it.value());
         keys["target"] = QString::number(reader.record()->wavelenthTarget);
         keys["needSave"] = QString::number(reader.record()->needSave);
-        keys["stored"] = QString::number(CBrovaOpmDataEngine::getSingleInstance()->getResultItemCount());
+        keys["stored"] =
+            QString::number(CBrovaOpmDataEngine::getSingleInstance()->getResultItemCount());
         keys["boxes"] = QString::number(closer.count());
         keys["file"] = QString::number(file.size());
         if (closer.count())
@@ -233,7 +255,8 @@ struct PageFixture
         const Keys shown = state();
         for (Keys::const_iterator it = expected.constBegin(); it != expected.constEnd(); ++it)
             QVERIFY2(shown.contains(it.key()) && shown.value(it.key()) == it.value(),
-                     qPrintable(it.key() + ": '" + shown.value(it.key()) + "', expected '" + it.value() + "'"));
+                     qPrintable(it.key() + ": '" + shown.value(it.key()) + "', expected '"
+                                + it.value() + "'"));
     }
 
     ModalBoxCloser closer;

@@ -47,8 +47,8 @@ inline bool removeRecursively(const QString& path)
 #else
     if (!QFileInfo(path).isDir())
         return true;
-    const QFileInfoList entries = QDir(path).entryInfoList(
-        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    const QFileInfoList entries = QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden
+                                                           | QDir::System | QDir::NoDotAndDotDot);
     for (int i = 0; i < entries.size(); ++i) {
         const QFileInfo& entry = entries.at(i);
         const bool removed = entry.isDir() && !entry.isSymLink()

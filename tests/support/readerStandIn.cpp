@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+
 #include <unistd.h>
 
 int main()
@@ -15,7 +16,8 @@ int main()
         return 1;
     std::string root(self, size_t(n));
     const std::string suffix = "/usr/local/brova/bin/lumenProbe";
-    if (root.size() < suffix.size() || root.compare(root.size() - suffix.size(), suffix.size(), suffix) != 0)
+    if (root.size() < suffix.size()
+        || root.compare(root.size() - suffix.size(), suffix.size(), suffix) != 0)
         return 1;
     root.resize(root.size() - suffix.size());
     if (FILE* log = std::fopen((root + "/reader-starts").c_str(), "a")) {

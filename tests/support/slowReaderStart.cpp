@@ -2,12 +2,12 @@
 // SLOW_READER_START_MS before it runs the reader, as on a loaded set where the shell has forked
 // but not yet started the reader when the next command comes. Other programs start at once,
 // and without this library: it is built without sanitizers, for system programs.
-#include <dlfcn.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <vector>
+
+#include <dlfcn.h>
 
 namespace {
 

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstring>
 #include <vector>
+
 #include <sys/ipc.h>
 #include <sys/shm.h>
 #include <unistd.h>
@@ -32,22 +33,26 @@ Keys facts(const QString& text)
         if (eq < 0)
             continue;
         QString value = items[i].mid(eq + 1).trimmed();
-        if (value.size() >= 2 && value.startsWith(QLatin1Char('\'')) && value.endsWith(QLatin1Char('\'')))
+        if (value.size() >= 2 && value.startsWith(QLatin1Char('\''))
+            && value.endsWith(QLatin1Char('\'')))
             value = value.mid(1, value.size() - 2);
         keys.insert(items[i].left(eq).trimmed(), value);
     }
     return keys;
 }
 
-const char kSetupDefaults[] = "Wavelength=850; TestMode=PowerMeter; UNIT=dB; PowerLimit=disable;"
-                              "PowerLimitMinimum=-60; PowerLimitMaximum=10; LossUnit=db; LossLength=1;"
-                              "Reference850=0; Reference1310=0; Reference1490=0; Reference1550=0; Reference1625=0";
+const char kSetupDefaults[] =
+    "Wavelength=850; TestMode=PowerMeter; UNIT=dB; PowerLimit=disable;"
+    "PowerLimitMinimum=-60; PowerLimitMaximum=10; LossUnit=db; LossLength=1;"
+    "Reference850=0; Reference1310=0; Reference1490=0; Reference1550=0; Reference1625=0";
 
 Keys storedSetup()
 {
     QFile file(DevicePaths::settingFile());
-    const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    return facts(text.section("[COpmSetup]\n", 1).section("\n[", 0, 0).replace('\n', ';').remove('"'));
+    const QString text =
+        file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return facts(
+        text.section("[COpmSetup]\n", 1).section("\n[", 0, 0).replace('\n', ';').remove('"'));
 }
 
 QByteArray setupText(const Keys& keys)
@@ -93,7 +98,8 @@ TestDeviceRoot::TestDeviceRoot() : m_dir(folderWithOwnSegment()), m_standIn(fals
     if (size_t(root.size()) >= sizeof g_root)
         qFatal("test root path too long");
     std::memcpy(g_root, root.constData(), size_t(root.size()) + 1);
-    const char* const dirs[] = { "/home", "/usr/local/brova/bin", "/usr/local/brova/lib", "/etc/brova" };
+    const char* const dirs[] = { "/home", "/usr/local/brova/bin", "/usr/local/brova/lib",
+                                 "/etc/brova" };
     for (size_t i = 0; i < sizeof dirs / sizeof dirs[0]; ++i)
         QDir().mkpath(m_dir->path() + QLatin1String(dirs[i]));
     m_previousCwd = QDir::currentPath().toLocal8Bit();
@@ -134,7 +140,7 @@ bool TestDeviceRoot::installReader(const QString& program) const
     QFile::remove(target);
     m_standIn = program.isNull();
     return QFile::copy(program.isNull() ? QString(READER_STAND_IN_PATH) : program, target)
-            && QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        && QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 QList<QByteArray> TestDeviceRoot::runningReaders() const
@@ -182,7 +188,8 @@ void RecordWriter::setReading(const char* wavelength, const char* unit, const ch
         return;
     char* const fields[] = { m_record->wavelenth, m_record->unit, m_record->value };
     const char* const texts[] = { wavelength, unit, value };
-    const size_t sizes[] = { sizeof m_record->wavelenth, sizeof m_record->unit, sizeof m_record->value };
+    const size_t sizes[] = { sizeof m_record->wavelenth, sizeof m_record->unit,
+                             sizeof m_record->value };
     for (int i = 0; i < 3; ++i) {
         std::memset(fields[i], 0, sizes[i]);
         std::memcpy(fields[i], texts[i], std::min(std::strlen(texts[i]), sizes[i]));
@@ -263,8 +270,8 @@ TestCompat::TempDir::TempDir()
     QString application = QCoreApplication::applicationName();
     if (application.isEmpty())
         application = QString::fromLatin1("qt_temp");
-    QByteArray name =
-        QFile::encodeName(QDir::tempPath() + QLatin1Char('/') + application + QLatin1String("-XXXXXX"));
+    QByteArray name = QFile::encodeName(QDir::tempPath() + QLatin1Char('/') + application
+                                        + QLatin1String("-XXXXXX"));
     if (mkdtemp(name.data()))
         m_path = QFile::decodeName(name);
 #endif

@@ -19,8 +19,7 @@
 #endif
 
 extern "C" Q_DECL_EXPORT __attribute__((section(".qtplugin"), used))
-const char fake_verification_data[]
-    = FAKE_SECTION_TEXT;
+const char fake_verification_data[] = FAKE_SECTION_TEXT;
 
 extern "C" Q_DECL_EXPORT const char* qt_plugin_query_verification_data()
 {

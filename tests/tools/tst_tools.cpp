@@ -78,8 +78,8 @@ void TestTools::survivesHostileScenario()
     const QByteArray errors = probe.readAllStandardError();
     QVERIFY2(errors.contains("line skipped") && errors.contains("cut"), errors.constData());
     QCOMPARE(QByteArray(r->wavelenth) + '|' + QByteArray(r->unit) + '|' + QByteArray(r->value) + '|'
-                     + QByteArray::number(r->flag) + '|' + QByteArray::number(r->needSave) + '|'
-                     + QByteArray(r->deviceType, int(strnlen(r->deviceType, 16))),
+                 + QByteArray::number(r->flag) + '|' + QByteArray::number(r->needSave) + '|'
+                 + QByteArray(r->deviceType, int(strnlen(r->deviceType, 16))),
              QByteArray("||-1.00|0|0|ABCDEFGHIJKLMNO"));
 }
 
@@ -126,7 +126,9 @@ void TestTools::refusesPlugin()
 // What the set's shell takes, the stand-in takes too.
 void TestTools::acceptsDemoPlugin()
 {
-    QCOMPARE(runShell(QStringList() << "--plugin" << DEMO_PLUGIN_PATH << "--quit-after" << "0.2"), 0);
+    QCOMPARE(runShell(QStringList() << "--plugin" << DEMO_PLUGIN_PATH << "--quit-after"
+                                    << "0.2"),
+             0);
     QVERIFY2(m_out.contains("loaded"), qPrintable(m_out));
 }
 

@@ -17,34 +17,21 @@ constexpr double kPi = 3.14159265358979323846;
 
 const Wavelength kWavelengths[kWavelengthCount] = {
     { "850", 2.5 }, // multimode
-    { "1310", 0.35 },
-    { "1490", 0.25 },
-    { "1550", 0.22 },
-    { "1625", 0.25 },
+    { "1310", 0.35 }, { "1490", 0.25 }, { "1550", 0.22 }, { "1625", 0.25 },
 };
 
 } // namespace
 
-bool isValidIndex(int index)
-{
-    return index >= 0 && index < kWavelengthCount;
-}
+bool isValidIndex(int index) { return index >= 0 && index < kWavelengthCount; }
 
-const Wavelength& wavelength(int index)
-{
-    return kWavelengths[isValidIndex(index) ? index : 0];
-}
+const Wavelength& wavelength(int index) { return kWavelengths[isValidIndex(index) ? index : 0]; }
 
 double expectedLevelDbm(int index)
 {
     return kSourceDbm - kLinkKm * wavelength(index).attenuationDbKm - kConnectorLossDb;
 }
 
-Meter::Meter(unsigned noiseSeed)
-    : m_random(noiseSeed)
-    , m_noise(0.0, kNoiseDb)
-{
-}
+Meter::Meter(unsigned noiseSeed) : m_random(noiseSeed), m_noise(0.0, kNoiseDb) { }
 
 double Meter::read(int index, double seconds)
 {

@@ -17,10 +17,8 @@ int targetOf(const OpmShareRecord* record)
 } // namespace
 
 LiveProbe::LiveProbe(OpmShareRecord* record, unsigned noiseSeed)
-    : m_record(record)
-    , m_meter(noiseSeed)
-{
-}
+    : m_record(record), m_meter(noiseSeed)
+{ }
 
 void LiveProbe::begin(long long nowMs)
 {
@@ -37,15 +35,9 @@ void LiveProbe::step(long long nowMs)
         writeReading(nowMs);
 }
 
-void LiveProbe::setNotConnected(bool on)
-{
-    m_notConnected = on;
-}
+void LiveProbe::setNotConnected(bool on) { m_notConnected = on; }
 
-void LiveProbe::setNoLight(bool on)
-{
-    m_noLight = on;
-}
+void LiveProbe::setNoLight(bool on) { m_noLight = on; }
 
 // The module needs a moment to retune; until then the old wavelength's reading stays.
 void LiveProbe::followTarget(long long nowMs)

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 #include <string>
+
 #include <sys/shm.h>
 #include <unistd.h>
 
@@ -32,7 +33,7 @@ void printUsage(std::FILE* out)
                "  --scenario FILE   play a timed file of record states (docs/lumenProbe.md)\n"
                "  --once            write one reading and exit\n"
                "Signals: USR1 save request, USR2 toggle not connected, HUP toggle no light.\n",
-        out);
+               out);
 }
 
 // 0: run, 1: bad usage, 2: help shown.
@@ -145,8 +146,8 @@ int main(int argc, char** argv)
     announce(record);
     if (options.once)
         return runOnce(record);
-    const int status
-        = options.scenario.empty() ? runLive(record) : runScenario(record, options.scenario);
+    const int status =
+        options.scenario.empty() ? runLive(record) : runScenario(record, options.scenario);
     // Gone means no reading; the segment itself stays for the page.
     record->flag = OpmFlagNoReading;
     shmdt(addr);

@@ -44,21 +44,9 @@ void install()
         sigaction(signal, &action, nullptr);
 }
 
-bool stopRequested()
-{
-    return g_stop != 0;
-}
-int saveRequests()
-{
-    return g_save;
-}
-int notConnectedToggles()
-{
-    return g_notConnected;
-}
-int noLightToggles()
-{
-    return g_noLight;
-}
+bool stopRequested() { return g_stop != 0; }
+int saveRequests() { return g_save; }
+int notConnectedToggles() { return g_notConnected; }
+int noLightToggles() { return g_noLight; }
 
 } // namespace ProbeSignals

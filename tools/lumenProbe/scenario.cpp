@@ -8,15 +8,9 @@
 
 namespace {
 
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t';
-}
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
-bool isHex(char c)
-{
-    return std::isxdigit(static_cast<unsigned char>(c)) != 0;
-}
+bool isHex(char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }
 
 bool readTime(const std::string& word, long long* ms)
 {
@@ -40,7 +34,7 @@ bool readQuoted(const std::string& line, size_t* pos, std::string* value, std::s
             if (*pos < line.size() && (line[*pos] == '"' || line[*pos] == '\\')) {
                 c = line[(*pos)++];
             } else if (*pos + 2 < line.size() && line[*pos] == 'x' && isHex(line[*pos + 1])
-                && isHex(line[*pos + 2])) {
+                       && isHex(line[*pos + 2])) {
                 c = char(std::strtol(line.substr(*pos + 1, 2).c_str(), nullptr, 16));
                 *pos += 3;
                 if (c == '\0') {
@@ -133,7 +127,7 @@ bool readLine(std::FILE* file, std::string* line, bool* tooLong)
 } // namespace
 
 bool parseScenarioLine(const std::string& line, ScenarioStep* step, std::string* problem,
-    std::vector<std::string>* warnings)
+                       std::vector<std::string>* warnings)
 {
     *step = ScenarioStep();
     if (hasControlCharacter(line)) {
@@ -204,7 +198,7 @@ bool Scenario::load(std::FILE* file, const std::string& name, std::vector<std::s
         if (tooLong)
             problem = "line longer than " + std::to_string(kMaxLineLength) + " characters";
         else if (parseScenarioLine(line, &step, &problem, &warnings) && !m_steps.empty()
-            && step.atMs < m_steps.back().atMs && (step.end || !step.items.empty()))
+                 && step.atMs < m_steps.back().atMs && (step.end || !step.items.empty()))
             problem = "time goes back";
         for (const std::string& warning : warnings)
             problems->push_back(where + warning);

@@ -50,6 +50,6 @@ private:
 // One line; false with a reason when it cannot be used. Warnings (texts cut to their field)
 // do not stop the line. A blank or comment line gives true and a step without items.
 bool parseScenarioLine(const std::string& line, ScenarioStep* step, std::string* problem,
-    std::vector<std::string>* warnings);
+                       std::vector<std::string>* warnings);
 
 #endif // SCENARIO_H

@@ -9,19 +9,17 @@
 #include <cstring>
 #include <ctime>
 #include <string>
-#include <sys/ipc.h>
-#include <sys/shm.h>
 #include <utility>
 #include <vector>
+
+#include <sys/ipc.h>
+#include <sys/shm.h>
 
 namespace {
 
 volatile sig_atomic_t g_stop = 0;
 
-void onStopSignal(int)
-{
-    g_stop = 1;
-}
+void onStopSignal(int) { g_stop = 1; }
 
 struct Options
 {
@@ -38,7 +36,7 @@ void printUsage(std::FILE* out)
                "  --interval MS     sample period of --follow (20..60000, default 500)\n"
                "  --set F=V         set one field (repeatable); all are checked first\n"
                "Fields: wavelenth unit value flag pid deviceType wavelenthTarget needSave\n",
-        out);
+               out);
 }
 
 // 0: run, 1: bad usage, 2: help shown.
@@ -79,15 +77,15 @@ OpmShareRecord* attachExisting()
     const int id = shmget(key, 0, 0);
     if (id == -1) {
         std::fprintf(stderr,
-            "opmrecord: no shared segment for this folder (key 0x%08x); "
-            "start the page or the reader here first\n",
-            unsigned(key));
+                     "opmrecord: no shared segment for this folder (key 0x%08x); "
+                     "start the page or the reader here first\n",
+                     unsigned(key));
         return nullptr;
     }
     struct shmid_ds info;
     if (shmctl(id, IPC_STAT, &info) == -1 || info.shm_segsz < sizeof(OpmShareRecord)) {
-        std::fprintf(
-            stderr, "opmrecord: segment 0x%08x is too small for the record\n", unsigned(key));
+        std::fprintf(stderr, "opmrecord: segment 0x%08x is too small for the record\n",
+                     unsigned(key));
         return nullptr;
     }
     void* addr = shmat(id, nullptr, 0);
@@ -121,8 +119,8 @@ const char* flagMeaning(int32_t flag)
 
 const char* targetMeaning(int32_t target)
 {
-    static const char* const names[]
-        = { " (850 nm)", " (1310 nm)", " (1490 nm)", " (1550 nm)", " (1625 nm)" };
+    static const char* const names[] = { " (850 nm)", " (1310 nm)", " (1490 nm)", " (1550 nm)",
+                                         " (1625 nm)" };
     return target >= 0 && target < 5 ? names[target] : " (not a wavelength)";
 }
 
@@ -159,15 +157,15 @@ bool splitAssignment(const std::string& item, std::string* name, std::string* va
     const size_t equals = item.find('=');
     if (equals == std::string::npos) {
         std::fprintf(stderr, "opmrecord: \"%s\" is not FIELD=VALUE\n",
-            RecordFields::escaped(item.data(), item.size()).c_str());
+                     RecordFields::escaped(item.data(), item.size()).c_str());
         return false;
     }
     *name = item.substr(0, equals);
     *value = item.substr(equals + 1);
     const RecordFields::Check result = RecordFields::check(*name, *value);
     if (result != RecordFields::Check::Ok) {
-        std::fprintf(
-            stderr, "opmrecord: %s\n", RecordFields::describe(result, *name, *value).c_str());
+        std::fprintf(stderr, "opmrecord: %s\n",
+                     RecordFields::describe(result, *name, *value).c_str());
         return false;
     }
     return true;
@@ -176,7 +174,7 @@ bool splitAssignment(const std::string& item, std::string* name, std::string* va
 // Checks everything first so that one bad item leaves the record untouched.
 bool applyAssignments(OpmShareRecord* record, const std::vector<std::string>& assignments)
 {
-    std::vector<std::pair<std::string, std::string>> items(assignments.size());
+    std::vector<std::pair<std::string, std::string> > items(assignments.size());
     for (size_t i = 0; i < assignments.size(); ++i) {
         if (!splitAssignment(assignments[i], &items[i].first, &items[i].second))
             return false;

@@ -56,15 +56,9 @@ const char* fieldAddress(const OpmShareRecord& record, const Field& field)
 
 } // namespace
 
-const Field* begin()
-{
-    return kFields;
-}
+const Field* begin() { return kFields; }
 
-const Field* end()
-{
-    return kFields + sizeof kFields / sizeof kFields[0];
-}
+const Field* end() { return kFields + sizeof kFields / sizeof kFields[0]; }
 
 const Field* find(const std::string& name)
 {
@@ -88,8 +82,8 @@ Check check(const std::string& name, const std::string& value)
 
 std::string describe(Check result, const std::string& name, const std::string& value)
 {
-    const std::string shown
-        = "\"" + escaped(value.data(), std::min<size_t>(value.size(), 64)) + "\"";
+    const std::string shown =
+        "\"" + escaped(value.data(), std::min<size_t>(value.size(), 64)) + "\"";
     switch (result) {
     case Check::Ok:
         return name + " = " + shown;

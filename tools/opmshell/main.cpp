@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <cstdio>
+
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -109,15 +110,13 @@ void printIdentity(const QString& path, UtilInterface* plugin)
                 "  name:    %s\n"
                 "  version: %s\n"
                 "  builder: %s\n",
-        qPrintable(path), qPrintable(plugin->getPluginID()), qPrintable(plugin->getPluginName()),
-        qPrintable(plugin->getPluginVersion()), qPrintable(plugin->getPluginBuilder()));
+                qPrintable(path), qPrintable(plugin->getPluginID()),
+                qPrintable(plugin->getPluginName()), qPrintable(plugin->getPluginVersion()),
+                qPrintable(plugin->getPluginBuilder()));
     std::fflush(stdout);
 }
 
-int milliseconds(double seconds)
-{
-    return int(seconds * 1000.0 + 0.5);
-}
+int milliseconds(double seconds) { return int(seconds * 1000.0 + 0.5); }
 
 QStringList argumentList(int argc, char** argv)
 {
@@ -153,7 +152,7 @@ int main(int argc, char** argv)
     PluginLoader loader(options.plugin);
     if (!loader.load()) {
         std::fprintf(stderr, "opmshell: plug-in %s refused: %s\n", qPrintable(options.plugin),
-            qPrintable(loader.errorString()));
+                     qPrintable(loader.errorString()));
         return 1;
     }
     printIdentity(options.plugin, loader.utilInterface());

@@ -21,10 +21,7 @@ const char kSectionName[] = ".qtplugin";
 
 } // namespace
 
-PluginLoader::PluginLoader(const QString& path)
-    : m_library(path)
-{
-}
+PluginLoader::PluginLoader(const QString& path) : m_library(path) { }
 
 bool PluginLoader::load()
 {
@@ -33,23 +30,21 @@ bool PluginLoader::load()
     return checkSection(&sectionText) && checkFunction(sectionText) && resolveInterface();
 }
 
-UtilInterface* PluginLoader::utilInterface() const
-{
-    return qobject_cast<UtilInterface*>(m_root);
-}
+UtilInterface* PluginLoader::utilInterface() const { return qobject_cast<UtilInterface*>(m_root); }
 
 bool PluginLoader::checkSection(QByteArray* text)
 {
     std::vector<char> bytes;
     std::string reason;
     if (!PluginVerify::readElfSection(
-            std::string(QFile::encodeName(m_library.fileName()).constData()), kSectionName, &bytes, &reason))
+            std::string(QFile::encodeName(m_library.fileName()).constData()), kSectionName, &bytes,
+            &reason))
         return fail(QString::fromLatin1("cannot read the verification section: %1")
                         .arg(QString::fromStdString(reason)));
     const std::string found = PluginVerify::sectionText(bytes.data(), bytes.size());
     if (!PluginVerify::checkVerificationText(found, &reason))
-        return fail(
-            QString::fromLatin1("verification section refused: %1").arg(QString::fromStdString(reason)));
+        return fail(QString::fromLatin1("verification section refused: %1")
+                        .arg(QString::fromStdString(reason)));
     *text = QByteArray(found.data(), int(found.size()));
     return true;
 }
@@ -57,7 +52,8 @@ bool PluginLoader::checkSection(QByteArray* text)
 bool PluginLoader::checkFunction(const QByteArray& sectionText)
 {
     if (!m_library.load())
-        return fail(QString::fromLatin1("cannot load the library: %1").arg(m_library.errorString()));
+        return fail(
+            QString::fromLatin1("cannot load the library: %1").arg(m_library.errorString()));
     auto query = reinterpret_cast<QueryVerificationData>(
         m_library.resolve("qt_plugin_query_verification_data"));
     if (!query)
@@ -68,8 +64,8 @@ bool PluginLoader::checkFunction(const QByteArray& sectionText)
     const std::string text(data, strnlen(data, PluginVerify::kMaxSectionSize));
     std::string reason;
     if (!PluginVerify::checkVerificationText(text, &reason))
-        return fail(
-            QString::fromLatin1("verification data refused: %1").arg(QString::fromStdString(reason)));
+        return fail(QString::fromLatin1("verification data refused: %1")
+                        .arg(QString::fromStdString(reason)));
     if (QByteArray(text.data(), int(text.size())) != sectionText)
         return fail(QString::fromLatin1("the verification data and the .qtplugin section differ"));
     return true;
@@ -95,7 +91,7 @@ bool PluginLoader::resolveInterface()
     if (!utilInterface())
         return fail(QString::fromLatin1("root object %1 does not implement %2")
                         .arg(QString::fromLatin1(m_root->metaObject()->className()),
-                            QString::fromLatin1(UtilInterface_iid)));
+                             QString::fromLatin1(UtilInterface_iid)));
     return true;
 }
 

@@ -66,9 +66,7 @@ QPixmap grabOf(QWidget* widget)
 } // namespace
 
 ShellFrame::ShellFrame(QObject* pluginRoot, UtilInterface* plugin, QWidget* parent)
-    : QWidget(parent)
-    , m_root(pluginRoot)
-    , m_plugin(plugin)
+    : QWidget(parent), m_root(pluginRoot), m_plugin(plugin)
 {
     setFixedSize(CWidgetStyle::getScreenRegion(CWidgetStyle::Screen).size());
     // The one-pixel gaps between the regions show this darker shade as dividing lines.
@@ -114,12 +112,9 @@ void ShellFrame::buildSidePanel()
         const char* slot;
     };
     static const Key keys[] = {
-        { "Start", SLOT(startPlugin()) },
-        { "Stop", SLOT(stopPlugin()) },
-        { "Show", SLOT(showPlugin()) },
-        { "Hide", SLOT(hidePlugin()) },
-        { "Update", SLOT(updatePlugin()) },
-        { "Terminate", SLOT(terminatePlugin()) },
+        { "Start", SLOT(startPlugin()) },   { "Stop", SLOT(stopPlugin()) },
+        { "Show", SLOT(showPlugin()) },     { "Hide", SLOT(hidePlugin()) },
+        { "Update", SLOT(updatePlugin()) }, { "Terminate", SLOT(terminatePlugin()) },
     };
     QWidget* side = panel(CWidgetStyle::SidePanel);
     auto* layout = new QVBoxLayout(side);
@@ -157,17 +152,16 @@ void ShellFrame::buildStatusBar()
 
 void ShellFrame::updateClock()
 {
-    m_clock->setText(QDateTime::currentDateTime().toString(QString::fromLatin1("yyyy-MM-dd  hh:mm:ss")));
+    m_clock->setText(
+        QDateTime::currentDateTime().toString(QString::fromLatin1("yyyy-MM-dd  hh:mm:ss")));
 }
 
-bool ShellFrame::isAlive() const
-{
-    return m_plugin && m_root;
-}
+bool ShellFrame::isAlive() const { return m_plugin && m_root; }
 
 void ShellFrame::report(const QString& call, const QString& result)
 {
-    const QString line = result.isEmpty() ? call : QString::fromLatin1("%1 -> %2").arg(call, result);
+    const QString line =
+        result.isEmpty() ? call : QString::fromLatin1("%1 -> %2").arg(call, result);
     std::printf("opmshell: %s\n", qPrintable(line));
     std::fflush(stdout);
     m_status->setText(line);
@@ -259,7 +253,7 @@ void ShellFrame::pressKey(const QKeySequence& key)
     const auto modifiers = Qt::KeyboardModifiers(key[0] & Qt::KeyboardModifierMask);
     const QString text = keyText(code, modifiers);
     report(QString::fromLatin1("key %1").arg(key.toString()),
-        QString::fromLatin1(target->metaObject()->className()));
+           QString::fromLatin1(target->metaObject()->className()));
     QKeyEvent press(QEvent::KeyPress, code, modifiers, text);
     QApplication::sendEvent(target, &press);
     QKeyEvent release(QEvent::KeyRelease, code, modifiers, text);

@@ -47,7 +47,6 @@ private slots:
     void updateClock();
 
 private:
-
     QPointer<QObject> m_root;
     UtilInterface* m_plugin;
     QLabel* m_clock = nullptr;

@@ -54,12 +54,12 @@ const OptionSpec kOptions[] = {
     { "screenshot", "file", "Grab the frame into this PNG file." },
     { "screenshot-after", "seconds", "When to take --screenshot (default 2)." },
     { "screenshot-at", "seconds:file",
-        "Grab the frame, with any dialog open above it, at that moment; may be given several "
-        "times." },
+      "Grab the frame, with any dialog open above it, at that moment; may be given several "
+      "times." },
     { "key-at", "seconds:key",
-        "Press and release a key at that moment, as the set's keys do: to the focus widget of "
-        "the active modal window, else of the active window. KEY as Qt writes it (F1, Return, "
-        "Ctrl+Tab, S, -); may be given several times." },
+      "Press and release a key at that moment, as the set's keys do: to the focus widget of "
+      "the active modal window, else of the active window. KEY as Qt writes it (F1, Return, "
+      "Ctrl+Tab, S, -); may be given several times." },
     { "quit-after", "seconds", "Stop, terminate and quit after that long." },
     { "autostart", 0, "Start the plug-in at once." },
 };
@@ -153,7 +153,8 @@ bool ShellOptions::parse(const QStringList& arguments, QString* error)
     for (const QString& value : values.value(QString::fromLatin1("screenshot-at"))) {
         Screenshot shot;
         if (!parseScreenshotAt(value, &shot)) {
-            *error = QString::fromLatin1("bad --screenshot-at \"%1\" (want seconds:file)").arg(value);
+            *error =
+                QString::fromLatin1("bad --screenshot-at \"%1\" (want seconds:file)").arg(value);
             return false;
         }
         screenshots.append(shot);

@@ -11,7 +11,8 @@ namespace {
 
 const ShotMode kModes[] = {
     { "--offsetbar", "the offset bar for limits -20/-10 at values -15 and -21", shootOffsetBar },
-    { "--setup", "the Setup tab: Power Meter, the reference dialog, Loss Meter (use --scale 1)", shootSetup },
+    { "--setup", "the Setup tab: Power Meter, the reference dialog, Loss Meter (use --scale 1)",
+      shootSetup },
 };
 
 int usage()

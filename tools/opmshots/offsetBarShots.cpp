@@ -1,6 +1,5 @@
-#include "shots.h"
-
 #include "offsetBar.h"
+#include "shots.h"
 
 namespace {
 

@@ -1,5 +1,3 @@
-#include "shots.h"
-
 #include "cdialog.h"
 #include "cpushbutton.h"
 #include "ctabwidget.h"
@@ -7,6 +5,7 @@
 #include "fixedText.h"
 #include "opmMain.h"
 #include "opmShowResult.h"
+#include "shots.h"
 
 #include <QApplication>
 #include <QDir>
@@ -101,8 +100,9 @@ int shootSetup(const ShotOptions& options)
         failures += !dialog || !saveShot(*dialog, options, "setup-reference-dialog.png");
     }
     {
-        SetupPage setup(limits + "Wavelength=1310\nTestMode=LossMeter\nLossUnit=km\nLossLength=2.5\n"
-                                 "Reference1310=-3.05\n");
+        SetupPage setup(limits
+                        + "Wavelength=1310\nTestMode=LossMeter\nLossUnit=km\nLossLength=2.5\n"
+                          "Reference1310=-3.05\n");
         setup.show("1310", "-14.52");
         failures += !saveShot(setup.tabs, options, "setup-loss-meter.png");
     }

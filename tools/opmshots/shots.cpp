@@ -14,7 +14,8 @@ bool saveShot(QWidget& widget, const ShotOptions& options, const QString& fileNa
     QImage image = QPixmap::grabWidget(&widget).toImage();
 #endif
     if (options.scale > 1)
-        image = image.scaled(image.size() * options.scale, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+        image = image.scaled(image.size() * options.scale, Qt::IgnoreAspectRatio,
+                             Qt::FastTransformation);
     const QString path = options.dir.filePath(fileName);
     if (!image.save(path, "PNG")) {
         fprintf(stderr, "opmshots: cannot write %s\n", qPrintable(path));

@@ -8,8 +8,8 @@ class QWidget;
 
 struct ShotOptions
 {
-    QDir dir;       // where the PNG files go
-    int scale = 3;  // each pixel becomes scale x scale pixels, so that details can be seen
+    QDir dir; // where the PNG files go
+    int scale = 3; // each pixel becomes scale x scale pixels, so that details can be seen
 };
 
 // One kind of picture, chosen by its option on the command line. A new kind is a function in a

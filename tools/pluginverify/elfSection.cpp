@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+
 #include <sys/stat.h>
 
 namespace PluginVerify {
@@ -54,10 +55,7 @@ struct SectionHeader
 class BoundedFile
 {
 public:
-    explicit BoundedFile(const std::string& path)
-        : m_file(std::fopen(path.c_str(), "rb"))
-    {
-    }
+    explicit BoundedFile(const std::string& path) : m_file(std::fopen(path.c_str(), "rb")) { }
     ~BoundedFile()
     {
         if (m_file)
@@ -106,10 +104,7 @@ private:
 class ElfReader
 {
 public:
-    explicit ElfReader(const BoundedFile& file)
-        : m_file(file)
-    {
-    }
+    explicit ElfReader(const BoundedFile& file) : m_file(file) { }
 
     bool readHeader(std::string* error);
     bool findSection(const std::string& name, SectionHeader* found, std::string* error) const;
@@ -236,15 +231,15 @@ bool ElfReader::findSection(const std::string& name, SectionHeader* found, std::
 
 } // namespace
 
-bool readElfSection(
-    const std::string& path, const std::string& name, std::vector<char>* bytes, std::string* error)
+bool readElfSection(const std::string& path, const std::string& name, std::vector<char>* bytes,
+                    std::string* error)
 {
     std::string reason;
     BoundedFile file(path);
     ElfReader elf(file);
     SectionHeader section;
-    bool ok
-        = file.open(&reason) && elf.readHeader(&reason) && elf.findSection(name, &section, &reason);
+    bool ok =
+        file.open(&reason) && elf.readHeader(&reason) && elf.findSection(name, &section, &reason);
     if (ok && section.type == kNoBits) {
         reason = name + " section holds no data";
         ok = false;
