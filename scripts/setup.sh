@@ -5,6 +5,7 @@ set -euo pipefail
 
 packages=(
     cmake make g++ pkg-config
+    clang-format        # the format check (Debian 12: clang-format 14)
     qtbase5-dev qtbase5-dev-tools
     fonts-dejavu-core   # offscreen text needs a real font
     psmisc              # killall, used to stop the power reader

@@ -4,7 +4,9 @@
 # tests/sanitizer/env.sh), and against Qt 4.8.4, the set's toolkit (build-qt4/, under
 # xvfb-run: Qt 4 has no offscreen platform), when ../shared/qt4 holds it or QT4_DIR names an
 # unpacked one. Then the set build (scripts/set-build.sh). Arguments go to ctest in every run.
-# Fails when any run fails; a missing Qt 4 skips its runs with a line saying why.
+# Before the builds it checks the format (scripts/check-format.sh); after them, that the docs and
+# scripts name only suites that ctest lists (scripts/check-suite-names.sh).
+# Fails when any run or check fails; a missing Qt 4 skips its runs with a line saying why.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -32,6 +34,8 @@ build_and_test()
 }
 
 # Every run goes ahead whatever the others give, so one run shows every failure.
+format=passed
+bash scripts/check-format.sh || format=FAILED
 plain=passed
 sanitized=passed
 qt4=passed
@@ -53,6 +57,9 @@ fi
 # It says itself when it has no Qt 4 for the set's CPU, or cannot run what it built.
 bash scripts/set-build.sh || set_build=FAILED
 
-echo "test.sh: $BUILD_DIR $plain, $SANITIZE_BUILD_DIR (sanitizers) $sanitized," \
+suite_names=passed
+bash scripts/check-suite-names.sh "$BUILD_DIR" "$QT4_BUILD_DIR" || suite_names=FAILED
+
+echo "test.sh: format $format, suite names $suite_names, $BUILD_DIR $plain, $SANITIZE_BUILD_DIR (sanitizers) $sanitized," \
      "$QT4_BUILD_DIR (Qt 4.8.4) $qt4, set build $set_build"
-[[ $plain = passed && $sanitized = passed && $qt4 != FAILED && $set_build != FAILED ]]
+[[ $format = passed && $suite_names = passed && $plain = passed && $sanitized = passed && $qt4 != FAILED && $set_build != FAILED ]]
