@@ -23,8 +23,12 @@ set_build=$(realpath "${SET_BUILD_DIR:-build-set}")
 qt=$set_build/qt4/qt-4.8.4-i386
 host=$set_build/tests/opminstallhost
 reader=$set_build/tools/lumenProbe/lumenProbe
-for file in "$host" "$reader" "$qt/lib/libQtGui.so.4" "$set_build/platform/libbrovaplatform.so.1"; do
-    [[ -e $file ]] || { echo "install-test: FAIL no $file: run scripts/set-build.sh first"; exit 1; }
+for file in "$host" "$reader" "$qt/lib/libQtGui.so.4" \
+    "$set_build/platform/libbrovaplatform.so.1"; do
+    if [[ ! -e $file ]]; then
+        echo "install-test: FAIL no $file: run scripts/set-build.sh first"
+        exit 1
+    fi
 done
 
 work=$set_build/install-test
@@ -37,7 +41,10 @@ bundle=$(echo "$work"/unpacked/*)
 # --- The manifest --------------------------------------------------------------------------
 manifest_holds() {
     local size sum file bad=0
-    grep -Eq '^# opm .*, commit [0-9a-f]{40}$' MANIFEST || { echo "install-test: MANIFEST names no commit"; bad=1; }
+    if ! grep -Eq '^# opm .*, commit [0-9a-f]{40}$' MANIFEST; then
+        echo "install-test: MANIFEST names no commit"
+        bad=1
+    fi
     while read -r size sum file; do
         [[ $size == \#* ]] && continue
         if [[ ! -f $file || $(stat -c %s "$file") != "$size" \
@@ -52,7 +59,8 @@ manifest_holds() {
     return $bad
 }
 if (cd "$bundle" && manifest_holds); then
-    echo "install-test: ok   $(grep -vc '^#' "$bundle/MANIFEST") files match MANIFEST ($(basename "$archive"))"
+    echo "install-test: ok   $(grep -vc '^#' "$bundle/MANIFEST") files match MANIFEST" \
+         "($(basename "$archive"))"
 else
     echo "install-test: FAIL MANIFEST"
     exit 1
@@ -76,15 +84,16 @@ if [[ $i386_runner = none ]]; then
     exit 0
 fi
 if ! unshare --mount --pid --ipc --fork --mount-proc true 2>/dev/null; then
-    echo "install-test: skipped the start: no private mount and pid namespaces here (unshare needs root)"
+    echo "install-test: skipped the start: no private mount and pid namespaces here" \
+         "(unshare needs root)"
     exit 0
 fi
 
 # Inside the namespaces: the root's folders over /home and /usr/local, its folder as the
 # working folder (the record's key), the host as its own QWS server.
 display=$(next_display 60)
-inside='mount --bind "$ROOT/home" /home && mount --bind "$ROOT/usr/local" /usr/local && cd "$ROOT" &&
-        exec timeout "$LIMIT" "$@" -qws'
+inside='mount --bind "$ROOT/home" /home && mount --bind "$ROOT/usr/local" /usr/local &&
+        cd "$ROOT" && exec timeout "$LIMIT" "$@" -qws'
 limit=60
 [[ $i386_runner = emulated ]] && limit=120
 if env ROOT="$root" LIMIT=$limit \

@@ -36,7 +36,9 @@ echo "$sums" | sed 's/^/release-check: /'
 if [[ $(echo "$sums" | cut -d' ' -f1 | sort -u | wc -l) != 1 ]]; then
     echo "release-check: FAIL the two builds of $commit differ:"
     diff <(tar -tvzf "${archives[0]}") <(tar -tvzf "${archives[1]}") || true
-    for i in 0 1; do mkdir -p "$check_dir/diff$i" && tar -xzf "${archives[$i]}" -C "$check_dir/diff$i"; done
+    for i in 0 1; do
+        mkdir -p "$check_dir/diff$i" && tar -xzf "${archives[$i]}" -C "$check_dir/diff$i"
+    done
     diff -r "$check_dir/diff0" "$check_dir/diff1" || true
     exit 1
 fi

@@ -40,9 +40,10 @@ set_configure "$build_dir" "$qt4_dir" \
     "-ffile-prefix-map=$source_dir/= -ffile-prefix-map=$build_dir/=build/ -Wdate-time" \
     -DBUILD_TESTING=OFF -DCMAKE_SKIP_RPATH=ON -DCMAKE_INSTALL_LIBDIR=lib -DCMAKE_INSTALL_BINDIR=bin
 
-# The product's targets only; the translations' target where the project has one.
+# The product's targets only; the translations' target where the project has one (grep reads
+# the whole list: a closed pipe would fail the pipeline).
 targets=(opmplugin opm)
-if cmake --build "$build_dir" --target help | grep -qx '\.\.\. translations'; then
+if cmake --build "$build_dir" --target help | grep -x '\.\.\. translations' >/dev/null; then
     targets+=(translations)
 fi
 cmake --build "$build_dir" -j "$(nproc)" --target "${targets[@]}" >&2
@@ -50,9 +51,15 @@ cmake --build "$build_dir" -j "$(nproc)" --target "${targets[@]}" >&2
 stage=$build_dir/stage
 rm -rf "$stage"
 mkdir -p "$stage/$name"
-for component in product translations; do
-    cmake --install "$build_dir" --prefix "$stage/$name" --component "$component" --strip >/dev/null
-done
+install_component() {
+    cmake --install "$build_dir" --prefix "$stage/$name" --component "$1" --strip >/dev/null
+}
+install_component product
+# Translations made by a target of another name: build everything once, then install them.
+if ! install_component translations 2>/dev/null; then
+    cmake --build "$build_dir" -j "$(nproc)" >&2
+    install_component translations
+fi
 
 # INSTALL: where each file goes on the set, and what the set brings itself.
 {
@@ -80,7 +87,8 @@ The set provides, and this bundle does not hold:
   - a writable /home: the setup is kept in /home/Setting/opmSetup.conf, reports go to
     /home/brova/brova-rslt/opm.
 
-Check the files against MANIFEST (size, SHA-256): sha256sum -c <(awk 'NF == 3 { print $2 "  " $3 }' MANIFEST)
+Check the files against MANIFEST (size, SHA-256), in this folder:
+  awk '!/^#/ { print $2 "  " $3 }' MANIFEST | sha256sum -c
 EOF
 } >"$stage/$name/INSTALL"
 
