@@ -1,18 +1,23 @@
 #!/usr/bin/env bash
 # Builds the product as the set runs it: 32-bit x86 (-m32), Qt 4.8.4 for Embedded Linux from
 # ../shared/qt4 (unpacked inside build-set/), C++98, Release; the plug-in and libraries linked
-# with -Wl,--no-undefined. Then checks the plug-in file with readelf, nm and objcopy. Where this
-# machine runs 32-bit programs it also runs the suites and the shell stand-in there, each as its
-# own QWS server on the VNC driver, and saves a screenshot of the page as the set draws it.
+# with -Wl,--no-undefined. Then checks the plug-in file with readelf, nm and objcopy, and runs
+# the suites and the shell stand-in, each as its own QWS server on the VNC driver, and saves a
+# screenshot of the page as the set draws it. Where the kernel runs no 32-bit program they run
+# under qemu-i386 (Debian's qemu-user); the programs the plug-in starts through the shell (the
+# reader, the slow-start library) are then built for this PC in build-set/host, since the
+# PC's own /bin/sh runs them (see docs/set-build.md).
 #   SET_BUILD_DIR   build folder (default: build-set)
 #   QT4_I386_DIR    an unpacked Qt 4.8.4 for i386 to use instead of the tarball
 #   SET_SCREENSHOT  where the screenshot goes (default: <build folder>/set-page.png)
+#   SET_JOBS        suites run at once (default: the number of CPUs)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source_dir=$(pwd)
 
 bash scripts/setup.sh
 source scripts/qt4.sh
+source scripts/setConfig.sh
 
 build_dir=${SET_BUILD_DIR:-build-set}
 mkdir -p "$build_dir"
@@ -25,19 +30,13 @@ if ! qt4_unpack "$build_dir" qt-4.8.4-i386-embedded.tar.xz qt-4.8.4-i386 "${QT4_
 fi
 qt=$qt4_dir
 
-# Whether this machine runs 32-bit programs; the suites are only built where they can run.
-probe=$build_dir/m32-probe
-printf 'int main(void) { return 0; }\n' >"$probe.c"
-runs_i386=false
-gcc -m32 "$probe.c" -o "$probe" 2>/dev/null && "$probe" 2>/dev/null && runs_i386=true
+# How this machine runs 32-bit programs; the suites are only built where they can run.
+set_runner "$build_dir"
+runs_i386=$([[ $i386_runner != none ]] && echo true || echo false)
 
 started=$SECONDS
-cmake -S . -B "$build_dir" -DOPM_QT=4 "-DQT_QMAKE_EXECUTABLE=$qt/bin/qmake" \
-    -DCMAKE_BUILD_TYPE=Release -DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
-    "-DBUILD_TESTING=$($runs_i386 && echo ON || echo OFF)" \
-    -DCMAKE_CXX_FLAGS=-m32 -DCMAKE_EXE_LINKER_FLAGS=-m32 \
-    "-DCMAKE_SHARED_LINKER_FLAGS=-m32 -Wl,--no-undefined" \
-    "-DCMAKE_MODULE_LINKER_FLAGS=-m32 -Wl,--no-undefined" >/dev/null
+set_configure "$build_dir" "$qt" "" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
+    "-DBUILD_TESTING=$($runs_i386 && echo ON || echo OFF)"
 cmake --build "$build_dir" -j "$(nproc)"
 echo "set-build: built in $((SECONDS - started)) s"
 
@@ -107,61 +106,83 @@ if ((failures > 0)); then
     exit 1
 fi
 
-# --- Run it, where 32-bit programs run -------------------------------------------------------
+# --- Run it: natively where the kernel runs 32-bit programs, else under qemu-i386 ------------
 if ! $runs_i386; then
-    echo "set-build: this machine does not run 32-bit programs; the set build was only linked and checked"
+    echo "set-build: this machine runs no 32-bit program and has no qemu-i386 (Debian's qemu-user);" \
+         "the set build was only linked and checked"
     exit 0
 fi
 
 export LD_LIBRARY_PATH=$qt/lib QT_QWS_FONTDIR=$qt/lib/fonts
-# A display number of its own for every program: the VNC port 5900+N and /tmp/qtembedded-N free.
-next_display() {
-    python3 - "${1:-20}" <<'PY'
-import os, socket, sys
-for n in range(int(sys.argv[1]), 100):
-    if os.path.exists("/tmp/qtembedded-%d" % n) and os.stat("/tmp/qtembedded-%d" % n).st_uid != os.getuid():
-        continue
-    s = socket.socket()
-    try:
-        s.bind(("0.0.0.0", 5900 + n))
-    except OSError:
-        continue
-    finally:
-        s.close()
-    print(n)
-    break
-PY
+# Under emulation an exec from an emulated program is the host kernel's own: the PC's 64-bit
+# /bin/sh that system() starts cannot run a 32-bit reader or take a 32-bit LD_PRELOAD library,
+# and a 32-bit program cannot be exec'd at all without binfmt. So the programs the plug-in
+# starts through the shell are built for this PC (as on the set, the reader is a process of
+# its own, bound to the page by the shared record alone), and the 32-bit programs the suites
+# start themselves go through a script that runs them under qemu-i386.
+host_helpers() {
+    local host=$build_dir/host target file
+    cmake -S . -B "$host" -DOPM_QT=5 -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=ON \
+        $(command -v ccache >/dev/null && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache) >/dev/null
+    cmake --build "$host" -j "$(nproc)" --target lumenProbe readerStandIn slowReaderStart >/dev/null
+    for file in tools/lumenProbe/lumenProbe tests/readerStandIn tests/libslowReaderStart.so; do
+        cmp -s "$host/$file" "$build_dir/$file" || cp -f "$host/$file" "$build_dir/$file"
+    done
+    # A fresh link replaces the script by the program, which then moves aside again.
+    for target in tools/opmshell/opmshell; do
+        file=$build_dir/$target
+        if is_i386 "$file" 2>/dev/null; then
+            mv -f "$file" "$file.i386"
+            printf '#!/bin/sh\nexec qemu-i386 "$0.i386" "$@"\n' >"$file"
+            chmod +x "$file"
+        fi
+    done
 }
+# The 32-bit program at a path the build gave (the script's program under emulation).
+i386_program() { if [[ -f $1.i386 ]]; then echo "$1.i386"; else echo "$1"; fi; }
+# qemu-i386 keeps the threads' TLS entries in one table for the whole process: a signal taken
+# on the main thread once Qt 4's QProcess has started its thread leaves the main thread with that
+# thread's TLS. The suites get a library that keeps SIGCHLD off their main thread.
+suite_run=("${i386_run[@]}")
+if [[ $i386_runner = emulated ]]; then
+    host_helpers
+    gcc -m32 -shared -fPIC -O2 -Wall -Wextra -Werror tests/support/qemuSignalShim.c \
+        -o "$build_dir/host/libqemuSignalShim.so" -ldl
+    suite_run+=(-E "LD_PRELOAD=$build_dir/host/libqemuSignalShim.so")
+    echo "set-build: running under qemu-i386; the reader and the slow-start library built for this PC"
+fi
 
-# Every suite, one after another, each its own QWS server. QtTest suites with a QApplication
-# are servers by -qws; the others (and the programs suites start) make themselves servers or
-# need none.
-# Suites that cannot run on this 64-bit host, by name (none now: tst_opmplugin's slow-start
-# functions skip themselves where the PC's 64-bit /bin/sh cannot take their 32-bit library).
-not_here=" "
+# Every suite, each its own QWS server on a display of its own, SET_JOBS at once. QtTest suites
+# with a QApplication are servers by -qws; the others (and the programs suites start) make
+# themselves servers or need none. Emulation takes some times longer: so do the time limits.
+parallel=${SET_JOBS:-$(nproc)}
+slower=$([[ $i386_runner = emulated ]] && echo 3 || echo 1)
 started=$SECONDS
-suites_passed=0
-suites_failed=()
-suites_not_here=()
+results=$build_dir/suite-results
+rm -rf "$results"
+mkdir -p "$results"
+run_suite() { # run_suite <name> <timeout> <workdir> <display> <argv...>
+    local name=$1 timeout=$2 workdir=$3 display=$4
+    shift 4
+    if (cd "$workdir" && QWS_DISPLAY="VNC:size=800x480:depth=32:$display" \
+            timeout "$((timeout * slower))" "${suite_run[@]}" "$@" \
+            >"$build_dir/$name.log" 2>&1) 2>/dev/null; then
+        echo passed >"$results/$name"
+    else
+        echo failed >"$results/$name"
+    fi
+}
 display=20
 while IFS=$'\t' read -r name timeout workdir command; do
-    if [[ $not_here == *" $name "* ]]; then
-        suites_not_here+=("$name")
-        continue
-    fi
     display=$(next_display "$display")
     read -r -a argv <<<"$command"
+    argv[0]=$(i386_program "${argv[0]}")
     symbols=$(nm -D --undefined-only "${argv[0]}" 2>/dev/null || true)
     if [[ $symbols == *_ZN5QTest5qExec* && $symbols == *_ZN12QApplicationC* ]]; then
         argv+=(-qws)
     fi
-    if (cd "$workdir" && QWS_DISPLAY="VNC:size=800x480:depth=32:$display" \
-            timeout "$timeout" "${argv[@]}" >"$build_dir/$name.log" 2>&1); then
-        suites_passed=$((suites_passed + 1))
-    else
-        suites_failed+=("$name")
-        tail -n 20 "$build_dir/$name.log"
-    fi
+    while (($(jobs -rp | wc -l) >= parallel)); do wait -n || true; done
+    run_suite "$name" "$timeout" "$workdir" "$display" "${argv[@]}" &
     display=$((display + 1))
 done < <(cd "$build_dir" && ctest --show-only=json-v1 | python3 -c '
 import json, sys
@@ -170,8 +191,20 @@ for test in json.load(sys.stdin)["tests"]:
     print("\t".join([test["name"], str(int(props.get("TIMEOUT", 120))),
                      props.get("WORKING_DIRECTORY", "."), " ".join(test["command"])]))
 ')
-echo "set-build: i386 QWS suites: $suites_passed passed, ${#suites_failed[@]} failed${suites_failed:+ (${suites_failed[*]})}" \
-     "in $((SECONDS - started)) s${suites_not_here:+; not run on this 64-bit host: ${suites_not_here[*]}}"
+wait
+suites_passed=0
+suites_failed=()
+for result in "$results"/*; do
+    name=$(basename "$result")
+    if [[ $(cat "$result") = passed ]]; then
+        suites_passed=$((suites_passed + 1))
+    else
+        suites_failed+=("$name")
+        tail -n 20 "$build_dir/$name.log"
+    fi
+done
+echo "set-build: i386 QWS suites ($i386_runner): $suites_passed passed," \
+     "${#suites_failed[@]} failed${suites_failed:+ (${suites_failed[*]})} in $((SECONDS - started)) s"
 
 # The shell stand-in loads the demo plug-in through QPluginLoader, with the simulated reader
 # live below the demo root, and grabs the page as the set draws it.
@@ -180,8 +213,8 @@ stop_demo_on_exit
 prepare_root
 display=$(next_display "$display")
 rm -f "$screenshot"
-(cd "$root" && QWS_DISPLAY="VNC:size=800x480:depth=32:$display" timeout 60 \
-    "$build_dir/tools/opmshell/opmshell" --plugin "$build_dir/src/libopmplugin_demo.so" \
+(cd "$root" && QWS_DISPLAY="VNC:size=800x480:depth=32:$display" timeout $((60 * slower)) \
+    "${i386_run[@]}" "$(i386_program "$build_dir/tools/opmshell/opmshell")" --plugin "$build_dir/src/libopmplugin_demo.so" \
     --autostart --screenshot-at "3.5:$screenshot" --quit-after 4) >"$build_dir/opmshell.log" 2>&1 \
     && [[ -s $screenshot ]] && grep -q "start -> true" "$build_dir/opmshell.log" \
     && echo "set-build: i386 QWS shell: plug-in loaded through QPluginLoader, screenshot $screenshot" \

@@ -16,6 +16,7 @@ packages=(
     libx11-6 libxext6 libxrender1 libsm6 libice6 libfontconfig1 libfreetype6 libpng16-16 zlib1g
     # the set build: 32-bit x86 with g++, checked with readelf, nm and objcopy
     g++-multilib binutils
+    qemu-user           # runs it where the kernel runs no 32-bit program (qemu-i386)
     "$@"
 )
 

@@ -3,7 +3,9 @@
 # under AddressSanitizer and UndefinedBehaviorSanitizer (build-asan/, settings in
 # tests/sanitizer/env.sh), and against Qt 4.8.4, the set's toolkit (build-qt4/, under
 # xvfb-run: Qt 4 has no offscreen platform), when ../shared/qt4 holds it or QT4_DIR names an
-# unpacked one. Then the set build (scripts/set-build.sh). Arguments go to ctest in every run.
+# unpacked one. Then the set build (scripts/set-build.sh), and the set's bundle made twice from
+# clean clones, compared and installed (scripts/release-check.sh). Arguments go to ctest in
+# every run.
 # Before the builds it checks the format (scripts/check-format.sh); after them, that the docs and
 # scripts name only suites that ctest lists (scripts/check-suite-names.sh).
 # Fails when any run or check fails; a missing Qt 4 skips its runs with a line saying why.
@@ -40,6 +42,7 @@ plain=passed
 sanitized=passed
 qt4=passed
 set_build=passed
+release=passed
 runner=(env)
 build_and_test "$BUILD_DIR" -DOPM_SANITIZE=OFF -DOPM_QT=5 -- "$@" || plain=FAILED
 (source tests/sanitizer/env.sh && build_and_test "$SANITIZE_BUILD_DIR" -DOPM_SANITIZE=ON -DOPM_QT=5 -- "$@") \
@@ -55,11 +58,22 @@ else
     qt4=skipped
 fi
 # It says itself when it has no Qt 4 for the set's CPU, or cannot run what it built.
-bash scripts/set-build.sh || set_build=FAILED
+set_build_log=$(mktemp)
+bash scripts/set-build.sh | tee "$set_build_log" || set_build=FAILED
+# The bundle is made from the set's Qt 4 and installed on the set build's toolkit.
+if grep -q "^set-build: skipped" "$set_build_log"; then
+    release=skipped
+    echo "test.sh: the bundle's check skipped: no set build"
+else
+    bash scripts/release-check.sh || release=FAILED
+fi
+rm -f "$set_build_log"
 
 suite_names=passed
 bash scripts/check-suite-names.sh "$BUILD_DIR" "$QT4_BUILD_DIR" || suite_names=FAILED
 
-echo "test.sh: format $format, suite names $suite_names, $BUILD_DIR $plain, $SANITIZE_BUILD_DIR (sanitizers) $sanitized," \
-     "$QT4_BUILD_DIR (Qt 4.8.4) $qt4, set build $set_build"
-[[ $format = passed && $suite_names = passed && $plain = passed && $sanitized = passed && $qt4 != FAILED && $set_build != FAILED ]]
+echo "test.sh: format $format, suite names $suite_names, $BUILD_DIR $plain," \
+     "$SANITIZE_BUILD_DIR (sanitizers) $sanitized, $QT4_BUILD_DIR (Qt 4.8.4) $qt4," \
+     "set build $set_build, bundle $release"
+[[ $format = passed && $suite_names = passed && $plain = passed && $sanitized = passed \
+    && $qt4 != FAILED && $set_build != FAILED && $release != FAILED ]]

@@ -1,0 +1,78 @@
+// The installed plug-in as the set's shell takes it: Qt's own QPluginLoader, the interface
+// cast, start() inside a host frame; then waits until the Setup tab shows the reading the
+// record holds. Used by scripts/install-test.sh on the unpacked bundle.
+//   opminstallhost <plug-in file> <reading text> [time limit in ms]
+#include "utilinterface.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPluginLoader>
+#include <QStringList>
+#include <QTabWidget>
+
+#include <cstdio>
+
+namespace {
+
+// The visible label of the Setup tab that shows text, if any.
+QLabel* readingLabel(QWidget* window, const QString& text)
+{
+    QTabWidget* tabs = window->findChild<QTabWidget*>();
+    if (!tabs || tabs->tabText(tabs->currentIndex()) != QLatin1String("Setup"))
+        return 0;
+    foreach (QLabel* label, tabs->currentWidget()->findChildren<QLabel*>()) {
+        if (label->text() == text && label->isVisible())
+            return label;
+    }
+    return 0;
+}
+
+int fail(const QString& why)
+{
+    std::fprintf(stderr, "opminstallhost: %s\n", qPrintable(why));
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() < 3)
+        return fail(QString::fromLatin1("usage: opminstallhost <plug-in> <reading> [ms]"));
+    const QString reading = args.at(2);
+    const int limitMs = args.size() > 3 ? args.at(3).toInt() : 20000;
+
+    QPluginLoader loader(args.at(1));
+    if (!loader.load())
+        return fail(QString::fromLatin1("QPluginLoader: %1").arg(loader.errorString()));
+    UtilInterface* plugin = qobject_cast<UtilInterface*>(loader.instance());
+    if (!plugin)
+        return fail(QString::fromLatin1("the root object is no UtilInterface"));
+    std::printf("opminstallhost: loaded %s through QPluginLoader\n",
+                loader.instance()->metaObject()->className());
+
+    QWidget frame;
+    frame.setFixedSize(800, 480);
+    frame.show();
+    if (!plugin->start(&frame))
+        return fail(QString::fromLatin1("start() returned false"));
+    QWidget* window = qobject_cast<QWidget*>(plugin->getObject());
+    if (!window)
+        return fail(QString::fromLatin1("no window after start()"));
+
+    QElapsedTimer clock;
+    clock.start();
+    while (!readingLabel(window, reading) && clock.elapsed() < limitMs)
+        app.processEvents(QEventLoop::WaitForMoreEvents, 100);
+    const bool shown = readingLabel(window, reading) != 0;
+    plugin->stop();
+    if (!shown)
+        return fail(QString::fromLatin1("no \"%1\" on the Setup tab within %2 ms")
+                        .arg(reading)
+                        .arg(limitMs));
+    std::printf("opminstallhost: the page shows \"%s\"\n", qPrintable(reading));
+    return 0;
+}
