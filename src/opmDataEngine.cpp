@@ -9,14 +9,24 @@ CBrovaOpmDataEngine* CBrovaOpmDataEngine::m_pInstance = 0;
 
 namespace {
 
+template <size_t N>
+void endText(char (&field)[N])
+{
+    field[N - 1] = '\0';
+}
+
 // Every text field that leaves the store ends inside its width, so its readers may use "%s".
 void endTextFields(Result& record)
 {
-    char* const fields[] = { record.testMode, record.waveLenth,  record.minimum,
-                             record.maximum,  record.value,      record.ref,
-                             record.pass,     record.limitsUnit, record.fiberLength };
-    for (size_t i = 0; i < sizeof fields / sizeof fields[0]; ++i)
-        fields[i][sizeof record.testMode - 1] = '\0';
+    endText(record.testMode);
+    endText(record.waveLenth);
+    endText(record.minimum);
+    endText(record.maximum);
+    endText(record.value);
+    endText(record.ref);
+    endText(record.pass);
+    endText(record.limitsUnit);
+    endText(record.fiberLength);
 }
 
 } // namespace
