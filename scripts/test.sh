@@ -13,6 +13,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 bash scripts/setup.sh
+bash scripts/check-toolkit.sh
 source scripts/qt4.sh
 
 BUILD_DIR=${BUILD_DIR:-build}

@@ -1,16 +1,5 @@
 #include "devicePaths.h"
 
-#include <QElapsedTimer>
-#include <QFile>
-
-#include <cstdio>
-#include <cstdlib>
-
-#include <dirent.h>
-#include <sys/stat.h>
-#include <time.h>
-#include <unistd.h>
-
 namespace {
 
 const char kSettingDir[] = "/home/Setting";
@@ -58,60 +47,6 @@ QByteArray startReaderCommand() { return shellPath(kReaderProgram) + " &"; }
 QByteArray killReaderCommand()
 {
     return "killall -9 " + (isRooted() ? shellPath(kReaderProgram) : QByteArray(kReaderName));
-}
-
-void runCommand(const QByteArray& command)
-{
-    const int status = system(command.constData());
-    (void)status;
-}
-
-// A process runs the reader when its program is the reader's file, the way the kill command
-// finds it by path: the same device and inode.
-QList<int> readerProcesses()
-{
-    QList<int> pids;
-    struct stat reader;
-    if (stat(QFile::encodeName(readerProgram()).constData(), &reader) != 0)
-        return pids;
-    DIR* proc = opendir("/proc");
-    if (!proc)
-        return pids;
-    while (const struct dirent* entry = readdir(proc)) {
-        char* end = 0;
-        const long pid = strtol(entry->d_name, &end, 10);
-        if (pid <= 0 || *end != '\0')
-            continue;
-        char exe[64];
-        snprintf(exe, sizeof exe, "/proc/%ld/exe", pid);
-        struct stat program;
-        if (stat(exe, &program) == 0 && program.st_dev == reader.st_dev
-            && program.st_ino == reader.st_ino)
-            pids.append(int(pid));
-    }
-    closedir(proc);
-    return pids;
-}
-
-bool startReader(int timeoutMs)
-{
-    const QList<int> before = readerProcesses();
-    runCommand(startReaderCommand());
-    if (access(QFile::encodeName(readerProgram()).constData(), X_OK) != 0)
-        return true;
-    QElapsedTimer waited;
-    waited.start();
-    for (;;) {
-        const QList<int> running = readerProcesses();
-        for (int i = 0; i < running.size(); ++i) {
-            if (!before.contains(running.at(i)))
-                return true;
-        }
-        if (waited.elapsed() >= timeoutMs)
-            return false;
-        const struct timespec pause = { 0, 2000000 };
-        nanosleep(&pause, 0);
-    }
 }
 
 } // namespace DevicePaths

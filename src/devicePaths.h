@@ -2,7 +2,6 @@
 #define DEVICEPATHS_H
 
 #include <QByteArray>
-#include <QList>
 #include <QString>
 
 // Every place on the set's file system that the application touches, and the shell commands
@@ -19,16 +18,6 @@ QByteArray makeSettingDirCommand(); // "mkdir /home/Setting"
 QByteArray makeResultDirCommand(); // "mkdir -p /home/brova/brova-rslt/opm"
 QByteArray startReaderCommand(); // "/usr/local/brova/bin/lumenProbe &"
 QByteArray killReaderCommand(); // "killall -9 lumenProbe"
-
-// Runs a command through the shell; its exit status is of no interest to the application.
-void runCommand(const QByteArray& command);
-
-// Ids of the running processes whose program is the reader's file.
-QList<int> readerProcesses();
-// Runs the start command, then waits at most timeoutMs until a reader runs that did not run
-// before: the shell returns at once and starts the reader later, and a kill before that would
-// miss it. False when none came in time; true at once when there is no reader program to run.
-bool startReader(int timeoutMs);
 
 } // namespace DevicePaths
 

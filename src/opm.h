@@ -17,6 +17,8 @@ class CMessageBox;
 class CPushButton;
 class CBrovaOpmDataEngine;
 class OffsetBar;
+class QHBoxLayout;
+class QLayout;
 class QTimer;
 
 enum TestModeType { PowerMeter = 0, LossMeter = 1 };
@@ -32,6 +34,9 @@ enum WaveLengthType {
     Type_1550nmSMF = 3,
     Type_1625nmSMF = 4
 };
+
+// The wavelengths the page measures at: the selector's items and the reference table's rows.
+enum { kWaveLengthCount = Type_1625nmSMF + 1 };
 
 // One saved reading, as it was displayed.
 struct Result
@@ -114,6 +119,31 @@ private:
     void showInputError(const QString& text);
     void fillResult(const char* valueText);
     void fillResultLimits();
+    void connectControls(QWidget* parent);
+    void showReading(const QColor& colour, const char* text);
+    void showReadingColour(const QColor& colour);
+    void showNotConnected();
+
+    // The rows of the page, top to bottom (initialize), and the reference dialog's parts.
+    QLayout* crtWaveModeRow();
+    QLayout* crtSummaryRow();
+    QLayout* crtReadingRow();
+    QLayout* crtLimitsRow();
+    QLayout* crtLimitValuesRow();
+    CLabel* crtReferenceTitle();
+    CLabel* crtReferenceText(const QString& text, int height, int width);
+    CPushButton* crtReferenceButton(const QString& text);
+    QLayout* crtReferenceLayout();
+    void showReferenceTexts();
+    void saveReferences();
+
+    // The stored setup's parts (loadConfig).
+    void loadReferences();
+    void restoreWaveLength();
+    void restoreLossUnit();
+    void restoreTestMode();
+    void restoreLength();
+    void restoreUnit();
 
     CLabel* l_pTitle;
     CLabel* pFileName;
@@ -156,7 +186,7 @@ private:
     TestModeType m_eTestMode;
     RusultUnit m_eRusultUnit;
     LossLengthType m_eLossLengthType;
-    char m_aWaveLengthRef[5][16];
+    char m_aWaveLengthRef[kWaveLengthCount][16];
     WaveLengthType m_eWaveLength;
     float m_fLength;
     float m_fPowerMin;
@@ -168,6 +198,13 @@ private:
     float m_aResultLimits[2];
     bool m_bResultLimitsSet;
     bool m_bPass;
+    // What the tick last gave the reading, the summary line and the dBm button, so that it
+    // sets them only when they change: a new palette or string costs far more than the
+    // comparison, and what they show seldom changes.
+    QColor m_qColorShown;
+    QString m_strValueShown;
+    QString m_strSummaryShown;
+    QString m_strdBmShown;
     OffsetBar* m_pOffsetBarResult;
     CBrovaOpmDataEngine* m_opmData;
     COpmSetupConfig m_config;

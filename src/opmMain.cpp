@@ -4,78 +4,22 @@
 #include "ctabwidget.h"
 #include "cwidgetstyle.h"
 #include "devicePaths.h"
-#include "fixedText.h"
+#include "opmReport.h"
 #include "opmShowResult.h"
 #include "plate2promserv.h"
+#include "readerProcess.h"
+#include "toolkitValues.h"
 
+#include <QDateTime>
 #include <QDebug>
 #include <QKeyEvent>
+#include <QPointer>
 
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
+#include <list>
 
-// ---------------------------------------------------------------------------------------------
-// Result store
-
-CBrovaOpmDataEngine* CBrovaOpmDataEngine::m_pInstance = 0;
-
-namespace {
-
-// Every text field that leaves the store ends inside its width, so its readers may use "%s".
-void endTextFields(Result& record)
-{
-    char* const fields[] = { record.testMode, record.waveLenth,  record.minimum,
-                             record.maximum,  record.value,      record.ref,
-                             record.pass,     record.limitsUnit, record.fiberLength };
-    for (size_t i = 0; i < sizeof fields / sizeof fields[0]; ++i)
-        fields[i][sizeof record.testMode - 1] = '\0';
-}
-
-} // namespace
-
-CBrovaOpmDataEngine* CBrovaOpmDataEngine::getSingleInstance()
-{
-    if (!m_pInstance)
-        m_pInstance = new CBrovaOpmDataEngine;
-    return m_pInstance;
-}
-
-void CBrovaOpmDataEngine::addResultItem(Result& record)
-{
-    if (m_resultCache.size() > size_t(kMaxResults - 1))
-        m_resultCache.pop_front();
-    const time_t now = time(0);
-    struct tm local = {};
-    localtime_r(&now, &local);
-    char stamp[64];
-    snprintf(stamp, sizeof stamp, "%.4d-%.2d-%.2d %.2d:%.2d:%.2d", local.tm_year + 1900,
-             local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
-    FixedText::copy(record.time, stamp);
-    printf("addResultItem %s \n", record.time);
-    m_resultCache.push_back(record);
-    endTextFields(m_resultCache.back());
-}
-
-int CBrovaOpmDataEngine::getResultItemCount() { return int(m_resultCache.size()); }
-
-Result CBrovaOpmDataEngine::getLastResultItem()
-{
-    Result last = {};
-    if (!m_resultCache.empty())
-        last = m_resultCache.back();
-    return last;
-}
-
-void CBrovaOpmDataEngine::clearAllresultItem() { m_resultCache.clear(); }
-
-void CBrovaOpmDataEngine::getAllResultItem(std::list<Result>& p_resultCache)
-{
-    p_resultCache.insert(p_resultCache.end(), m_resultCache.begin(), m_resultCache.end());
-}
-
-// ---------------------------------------------------------------------------------------------
-// Main page
+#include <unistd.h>
 
 namespace {
 
@@ -86,7 +30,7 @@ const int kReaderStartMs = 500;
 // it and leave two readers writing the one record.
 void startReader()
 {
-    if (!DevicePaths::startReader(kReaderStartMs))
+    if (!ReaderProcess::start(kReaderStartMs))
         printf("COpmMainPage: no reader %d ms after its start \n", kReaderStartMs);
 }
 
@@ -96,15 +40,15 @@ COpmMainPage::COpmMainPage(QWidget* parent) : CWidget(parent)
 {
     puts("COpmMainPage::COpmMainPage ");
     setBorderWidth(0);
-    setBackgroundColor(CWidgetStyle::getColor(0));
+    setBackgroundColor(CWidgetStyle::getColor(OpmToolkit::kPageColour));
 
-    const int width =
-        CWidgetStyle::getScreenRegion(0).width() - CWidgetStyle::getScreenRegion(3).width() - 2;
-    const int height = CWidgetStyle::getScreenRegion(5).width();
+    const int width = CWidgetStyle::getScreenRegion(OpmToolkit::kScreenRegion).width()
+        - CWidgetStyle::getScreenRegion(OpmToolkit::kSidePanelRegion).width() - 2;
+    const int height = CWidgetStyle::getScreenRegion(OpmToolkit::kTabHeightRegion).width();
 
     m_pTabWidget = new CTabWidget(this);
     m_pTabWidget->setBorderWidth(0);
-    m_pTabWidget->setBorderColor(CWidgetStyle::getColor(0));
+    m_pTabWidget->setBorderColor(CWidgetStyle::getColor(OpmToolkit::kPageColour));
     m_pTabWidget->setSize(width, height);
 
     m_pTableOpmSetup = new NerioOpm(m_pTabWidget);
@@ -116,7 +60,7 @@ COpmMainPage::COpmMainPage(QWidget* parent) : CWidget(parent)
     m_pTabWidget->addTab(m_pTableShowResult, tr("Result"));
 
     setFocusPolicy(Qt::StrongFocus);
-    setBackgroundColor(CWidgetStyle::getColor(0));
+    setBackgroundColor(CWidgetStyle::getColor(OpmToolkit::kPageColour));
     connect(m_pTabWidget, SIGNAL(currentChanged(int)), this, SLOT(onTabChanged(int)));
     setFocusPolicy(Qt::StrongFocus);
     m_pTableOpmSetup->setFocus();
@@ -130,25 +74,27 @@ COpmMainPage::~COpmMainPage()
     puts("COpmMainPage::~COpmMainPage ");
     delete m_pE2promserv;
     m_pE2promserv = 0;
-    DevicePaths::runCommand(DevicePaths::killReaderCommand());
+    ReaderProcess::kill();
 }
 
 QString COpmMainPage::getKeyboard(const QString& title, const QString& text)
 {
-    return CKeyPadFactory::accessKeyPad(title, text, 5, 0, 100, this);
+    return CKeyPadFactory::accessKeyPad(title, text, OpmToolkit::kTextKeyPad,
+                                        OpmToolkit::kTextKeyPadMin, OpmToolkit::kTextKeyPadMax,
+                                        this);
 }
 
 void COpmMainPage::enterInit()
 {
     puts("COpmMainPage::enterInit ");
-    DevicePaths::runCommand(DevicePaths::killReaderCommand());
+    ReaderProcess::kill();
     startReader();
 }
 
 void COpmMainPage::exitClean()
 {
     puts("COpmMainPage::exitClean ");
-    DevicePaths::runCommand(DevicePaths::killReaderCommand());
+    ReaderProcess::kill();
 }
 
 void COpmMainPage::onTabChanged(int) { }
@@ -156,7 +102,7 @@ void COpmMainPage::onTabChanged(int) { }
 void COpmMainPage::clientQuit()
 {
     puts("COpmMainPage::clientQuit ");
-    DevicePaths::runCommand(DevicePaths::killReaderCommand());
+    ReaderProcess::kill();
     close();
     exit(0);
 }
@@ -170,4 +116,48 @@ void COpmMainPage::keyPressEvent(QKeyEvent* event)
     qDebug() << QString("--------opm---------Key:%1").arg(event->key(), 0, 10, QLatin1Char(' '));
     if (event->key() == Qt::Key_F1)
         saveOpmResult();
+}
+
+// ---------------------------------------------------------------------------------------------
+// The report (opmReport): the page names the file and hands over the results and the EEPROM.
+
+void COpmMainPage::saveOpmResult()
+{
+    const QString dir = DevicePaths::resultDir();
+    if (access(dir.toLocal8Bit().constData(), F_OK) != 0)
+        ReaderProcess::runCommand(DevicePaths::makeResultDirCommand());
+
+    const QString proposed =
+        QDateTime::currentDateTime().toString(QString::fromLatin1("yyyyMMdd-hhmmss"));
+    // The keypad runs its own loop, in which the host may destroy the page: then nothing is left
+    // to export from.
+    QPointer<COpmMainPage> alive = this;
+    const QString name = getKeyboard(tr("Save Opm Result"), proposed);
+    if (!alive)
+        return;
+    const QByteArray path = (dir + QLatin1Char('/') + name + QLatin1String(".html")).toLocal8Bit();
+
+    FILE* html = fopen(path.constData(), "w+");
+    if (!html) {
+        puts("opm create save result file error ");
+        return;
+    }
+    std::list<Result> results;
+    CBrovaOpmDataEngine::getSingleInstance()->getAllResultItem(results);
+    opmWriteReport(html, results, *m_pE2promserv);
+    fclose(html);
+}
+
+void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
+{
+    opmWriteGeneralInfo(pfOutput, font_size, *m_pE2promserv);
+}
+
+void COpmMainPage::writeOpmHtmlData(FILE* html)
+{
+    if (!html)
+        return;
+    std::list<Result> results;
+    CBrovaOpmDataEngine::getSingleInstance()->getAllResultItem(results);
+    opmWriteResults(html, results);
 }

@@ -3,36 +3,15 @@
 
 #include "cwidget.h"
 #include "opm.h"
+#include "opmDataEngine.h"
 
 #include <cstdio>
-#include <list>
 
 class CTabWidget;
 class COpmShowResultPage;
 namespace halmanager {
 class PlatE2PromServ;
 }
-
-// The process-wide store of saved readings, at most twelve, oldest first.
-class CBrovaOpmDataEngine
-{
-public:
-    enum { kMaxResults = 12 };
-
-    static CBrovaOpmDataEngine* getSingleInstance();
-
-    void addResultItem(Result& record);
-    int getResultItemCount();
-    Result getLastResultItem();
-    void clearAllresultItem();
-    void getAllResultItem(std::list<Result>& p_resultCache);
-
-private:
-    CBrovaOpmDataEngine() { }
-
-    std::list<Result> m_resultCache;
-    static CBrovaOpmDataEngine* m_pInstance;
-};
 
 // Top-level page of the application: the Setup and Result tabs, and the power reader's life.
 class COpmMainPage : public CWidget

@@ -2,12 +2,11 @@
 
 #include "devicePaths.h"
 #include "htmlText.h"
-#include "opmMain.h"
+#include "opm.h"
 #include "plate2promserv.h"
 
 #include <QDateTime>
 #include <QLocale>
-#include <QPointer>
 
 #include <algorithm>
 #include <climits>
@@ -17,18 +16,24 @@
 #include <list>
 #include <vector>
 
-#include <unistd.h>
-
-// The HTML report of the saved readings: the main page's export (F1) and what it is made of.
-
 namespace {
 
 const int kReportFontSize = 4;
 
 const char kRowFormat[] = "\t<tr><font size=\"%d\"> <td>%s</td><td>%s</td></font></tr>\n";
 
-// The header row of each table variant, numbered from 1.
-const char* const kTableHeaders[] = {
+// The kinds of table a result gets, by its mode, its limits and its length.
+enum TableKind {
+    PowerWithLimits, // Power Meter, limits on
+    PowerPlain, // Power Meter, limits off
+    LossPerLength, // Loss Meter, limits on, a fibre length
+    LossWithLimits, // Loss Meter, limits on, no length
+    LossPlain, // Loss Meter, limits off
+    kTableKindCount
+};
+
+// The header row of each table kind.
+const char* const kTableHeaders[kTableKindCount] = {
     "<tr><th>ST</th><th>WaveLenth(nm)</th><th>Test Mode</th><th>Minimum</th><th>Maximum</th>"
     "<th>Value</th><th>Pass</th></tr>",
     "<tr><th>ST</th><th>WaveLenth(nm)</th><th>Test Mode</th><th>Value</th></tr>",
@@ -76,22 +81,22 @@ private:
     size_t m_used;
 };
 
-int tableVariant(const Result& r)
+TableKind tableKind(const Result& r)
 {
     if (strcmp(r.testMode, "Loss Meter") != 0)
-        return r.isLimit ? 1 : 2;
+        return r.isLimit ? PowerWithLimits : PowerPlain;
     if (!r.isLimit)
-        return 5;
-    return r.fiberLength[0] != '\0' ? 3 : 4;
+        return LossPlain;
+    return r.fiberLength[0] != '\0' ? LossPerLength : LossWithLimits;
 }
 
-void addCells(ResultTable& t, int variant, const Result& r)
+void addCells(ResultTable& t, TableKind kind, const Result& r)
 {
     t.add(kFirstCell, htmlEscaped(r.time).constData());
     t.add(kPlainCell, htmlEscaped(r.waveLenth).constData());
     t.add(kPlainCell, htmlEscaped(r.testMode).constData());
-    switch (variant) {
-    case 1:
+    switch (kind) {
+    case PowerWithLimits:
         t.add(kNumberUnitCell, htmlEscaped(r.minimum).constData(),
               htmlEscaped(r.limitsUnit).constData());
         t.add(kNumberUnitCell, htmlEscaped(r.maximum).constData(),
@@ -99,13 +104,13 @@ void addCells(ResultTable& t, int variant, const Result& r)
         t.add(kPlainCell, htmlEscaped(r.value).constData());
         t.add(kLastCell, htmlEscaped(r.pass).constData());
         break;
-    case 2:
+    case PowerPlain:
         t.add(kLastCell, htmlEscaped(r.value).constData());
         break;
-    case 3:
-    case 4:
+    case LossPerLength:
+    case LossWithLimits:
         t.add(kPlainCell, htmlEscaped(r.ref).constData());
-        if (variant == 3)
+        if (kind == LossPerLength)
             t.add(kPlainCell, htmlEscaped(r.fiberLength).constData());
         t.add(kNumberUnitNoWrapCell, htmlEscaped(r.minimum).constData(),
               htmlEscaped(r.limitsUnit).constData());
@@ -114,7 +119,8 @@ void addCells(ResultTable& t, int variant, const Result& r)
         t.add(kPlainNoWrapCell, htmlEscaped(r.value).constData());
         t.add(kLastCell, htmlEscaped(r.pass).constData());
         break;
-    default:
+    case LossPlain:
+    case kTableKindCount:
         t.add(kPlainCell, htmlEscaped(r.ref).constData());
         t.add(kLastCell, htmlEscaped(r.value).constData());
         break;
@@ -158,36 +164,7 @@ int opmGetVersion(const char* sPath, char* pOut, size_t nOutLength)
     return 0;
 }
 
-void COpmMainPage::saveOpmResult()
-{
-    const QString dir = DevicePaths::resultDir();
-    if (access(dir.toLocal8Bit().constData(), F_OK) != 0)
-        DevicePaths::runCommand(DevicePaths::makeResultDirCommand());
-
-    const QString proposed =
-        QDateTime::currentDateTime().toString(QString::fromLatin1("yyyyMMdd-hhmmss"));
-    // The keypad runs its own loop, in which the host may destroy the page: then nothing is left
-    // to export from.
-    QPointer<COpmMainPage> alive = this;
-    const QString name = getKeyboard(tr("Save Opm Result"), proposed);
-    if (!alive)
-        return;
-    const QByteArray path = (dir + QLatin1Char('/') + name + QLatin1String(".html")).toLocal8Bit();
-
-    FILE* html = fopen(path.constData(), "w+");
-    if (!html) {
-        puts("opm create save result file error ");
-        return;
-    }
-    fputs("<html>\n<head><title>OPM Result</title></head>\n", html);
-    fputs("<body>\n<h4>OPM Result</h4>", html);
-    saveGeneralInfoOfSet(html, kReportFontSize);
-    writeOpmHtmlData(html);
-    fputs("</body>\n</html>", html);
-    fclose(html);
-}
-
-void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
+void opmWriteGeneralInfo(FILE* pfOutput, int font_size, halmanager::PlatE2PromServ& eeprom)
 {
     fprintf(pfOutput, "\n<br><font size=%d> <a  style=\"color:blue;\"> %s </a> </font> </br>\n",
             font_size, QObject::tr("General Information").toUtf8().constData());
@@ -204,7 +181,7 @@ void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
     writeRow(pfOutput, font_size, QObject::tr("Software Version:"), version);
 
     const int macLine = __LINE__ + 1;
-    if (m_pE2promserv->ReadMacAddr(reinterpret_cast<char*>(mac)) == 0) {
+    if (eeprom.ReadMacAddr(reinterpret_cast<char*>(mac)) == 0) {
         snprintf(macText, sizeof macText, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2],
                  mac[3], mac[4], mac[5]);
         writeRow(pfOutput, font_size, QObject::tr("MAC Address of Test Port:"), macText);
@@ -213,7 +190,7 @@ void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
     }
 
     const int serialLine = __LINE__ + 1;
-    if (m_pE2promserv->ReadSN(serial) == 0) {
+    if (eeprom.ReadSN(serial) == 0) {
         serial[sizeof serial - 1] = '\0';
         writeRow(pfOutput, font_size, QObject::tr("Serial Number of Test Set:"), serial);
     } else {
@@ -224,18 +201,24 @@ void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
     fputs("<br>", pfOutput);
 }
 
-void COpmMainPage::writeOpmHtmlData(FILE* html)
+void opmWriteResults(FILE* html, const std::list<Result>& results)
 {
-    if (!html)
-        return;
-    std::list<Result> results;
-    CBrovaOpmDataEngine::getSingleInstance()->getAllResultItem(results);
     for (std::list<Result>::const_iterator it = results.begin(); it != results.end(); ++it) {
         const Result& result = *it;
-        const int variant = tableVariant(result);
+        const TableKind kind = tableKind(result);
         ResultTable table;
-        table.add("%s", kTableHeaders[variant - 1]);
-        addCells(table, variant, result);
+        table.add("%s", kTableHeaders[kind]);
+        addCells(table, kind, result);
         fputs(table.text(), html);
     }
+}
+
+void opmWriteReport(FILE* html, const std::list<Result>& results,
+                    halmanager::PlatE2PromServ& eeprom)
+{
+    fputs("<html>\n<head><title>OPM Result</title></head>\n", html);
+    fputs("<body>\n<h4>OPM Result</h4>", html);
+    opmWriteGeneralInfo(html, kReportFontSize, eeprom);
+    opmWriteResults(html, results);
+    fputs("</body>\n</html>", html);
 }

@@ -2,9 +2,27 @@
 #define OPMREPORT_H
 
 #include <cstddef>
+#include <cstdio>
+#include <list>
 
-// The HTML report is written by COpmMainPage's saveOpmResult, saveGeneralInfoOfSet and
-// writeOpmHtmlData (opmReport.cpp); this is what the report needs besides the page.
+struct Result;
+namespace halmanager {
+class PlatE2PromServ;
+}
+
+// The HTML report of the saved readings (the main page's export, F1): written into an open file
+// from the results and the set's general information (the date and time, the software version
+// of the vendor information file, and the MAC address and serial number of the EEPROM).
+
+// The whole report: the general information, then one table per result, oldest first.
+void opmWriteReport(FILE* html, const std::list<Result>& results,
+                    halmanager::PlatE2PromServ& eeprom);
+
+// The general information's heading and table, in the given font size.
+void opmWriteGeneralInfo(FILE* pfOutput, int font_size, halmanager::PlatE2PromServ& eeprom);
+
+// One table per result.
+void opmWriteResults(FILE* html, const std::list<Result>& results);
 
 // The software version: the first line of the vendor information file from "Common" on.
 // 0 when the file was read, -1 when it cannot be opened, -2 for null arguments or no room.

@@ -1,6 +1,7 @@
 #include "opmSetupConfig.h"
 
 #include "devicePaths.h"
+#include "readerProcess.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -130,7 +131,7 @@ COpmSetupConfig::COpmSetupConfig()
 {
     const QString dir = DevicePaths::settingDir();
     if (!dirExists(dir)) {
-        DevicePaths::runCommand(DevicePaths::makeSettingDirCommand());
+        ReaderProcess::runCommand(DevicePaths::makeSettingDirCommand());
         if (!QFileInfo(dir).isDir())
             printf("COpmSetupConfig cannot create %s \n", QFile::encodeName(dir).constData());
     }

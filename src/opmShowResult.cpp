@@ -3,7 +3,8 @@
 #include "clabel.h"
 #include "cpushbutton.h"
 #include "cwidgetstyle.h"
-#include "opmMain.h"
+#include "opmDataEngine.h"
+#include "toolkitValues.h"
 
 #include <QVBoxLayout>
 
@@ -17,7 +18,7 @@ COpmShowResultPage::COpmShowResultPage(QWidget* parent) : CWidget(parent)
 
     m_pWidget = new CWidget(this);
     m_pWidget->setBorderWidth(0);
-    m_pWidget->setBackgroundColor(CWidgetStyle::getColor(0));
+    m_pWidget->setBackgroundColor(CWidgetStyle::getColor(OpmToolkit::kPageColour));
 
     QVBoxLayout* column = new QVBoxLayout(m_pWidget);
     column->setAlignment(Qt::AlignTop);
@@ -30,7 +31,7 @@ COpmShowResultPage::COpmShowResultPage(QWidget* parent) : CWidget(parent)
         m_pSummary[i]->setTextColor(Qt::white);
         m_pSummary[i]->setFixedWidth(640);
         m_pSummary[i]->setFixedHeight(25);
-        m_pSummary[i]->setBackgroundColor(CWidgetStyle::getColor(0));
+        m_pSummary[i]->setBackgroundColor(CWidgetStyle::getColor(OpmToolkit::kPageColour));
         m_pSummary[i]->setAlignment(Qt::AlignLeft);
         column->addSpacing(2);
         column->addWidget(m_pSummary[i]);

@@ -1,6 +1,7 @@
 #include "testSupport.h"
 
 #include "devicePaths.h"
+#include "readerProcess.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -111,7 +112,7 @@ TestDeviceRoot::~TestDeviceRoot()
 {
     if (!isValid())
         return;
-    DevicePaths::runCommand(DevicePaths::killReaderCommand() + " 2>/dev/null");
+    ReaderProcess::runCommand(DevicePaths::killReaderCommand() + " 2>/dev/null");
     const key_t key = ftok(".", 1);
     const int id = key == -1 ? -1 : shmget(key, 0, 0);
     if (id != -1)
@@ -145,13 +146,10 @@ bool TestDeviceRoot::installReader(const QString& program) const
 
 QList<QByteArray> TestDeviceRoot::runningReaders() const
 {
-    const QString program = QFileInfo(DevicePaths::readerProgram()).canonicalFilePath();
+    const QList<int> running = ReaderProcess::processes();
     QList<QByteArray> pids;
-    const QStringList entries = QDir("/proc").entryList(QDir::Dirs);
-    for (int i = 0; i < entries.size() && !program.isEmpty(); ++i) {
-        if (QFileInfo("/proc/" + entries[i] + "/exe").canonicalFilePath() == program)
-            pids << entries[i].toLatin1();
-    }
+    for (int i = 0; i < running.size(); ++i)
+        pids << QByteArray::number(running[i]);
     return pids;
 }
 
