@@ -8,6 +8,7 @@
 // offscreen screen shows after the ticks.
 #include "floorPage.h"
 #include "opmMain.h"
+#include "qtCompat.h"
 #include "testSupport.h"
 
 #include <QApplication>
@@ -108,6 +109,9 @@ int main(int argc, char* argv[])
     }
     window->setGeometry(141, 61, 658, 398);
     window->show();
+    // Qt 4 flushes to the X window once the server has mapped it, not before.
+    if (!TestCompat::waitForShown(window.get()))
+        return 1;
     settle();
     // The ticks are ours alone.
     for (QObject* child : target->children()) {
