@@ -72,7 +72,10 @@ if [[ " ${toolkits[*]} " == *" 4 "* ]]; then
     Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$display_file" \
         2>"${build_of[4]}/bench-log/xvfb.txt" &
     helpers+=($!)
-    for ((i = 0; i < 100 && ! -s $display_file; i++)); do sleep 0.1; done
+    for ((i = 0; i < 100; i++)); do
+        [[ -s $display_file ]] && break
+        sleep 0.1
+    done
     [[ -s $display_file ]] || { note "Xvfb did not start (see ${build_of[4]}/bench-log/xvfb.txt)"; exit 1; }
     qt_env[4]="LD_LIBRARY_PATH=$qt4_dir/lib DISPLAY=:$(head -n 1 "$display_file")"
 fi
