@@ -109,30 +109,32 @@ public:
     const QFont& font() const { return m_font; }
     int lineHeight() const { return m_nLineHeight; }
 
+    // -1 for a text that is not one line of Latin-1 characters (a translated message, drawn
+    // with glyphs of other fonts that may reach further).
     int width(const QString& text)
     {
         int width = 0;
-        for (int i = 0; i < text.size(); ++i)
-            width += advance(text.at(i));
+        for (int i = 0; i < text.size(); ++i) {
+            const ushort code = text.at(i).unicode();
+            if (code >= 256 || code == '\n')
+                return -1;
+            width += advance(code);
+        }
         return width;
     }
 
 private:
-    int advance(QChar c)
+    int advance(ushort code)
     {
-        const ushort code = c.unicode();
-        if (code < 256 && m_aMeasured[code])
-            return m_aAdvances[code];
+        if (!m_aMeasured[code]) {
 #if QT_VERSION >= 0x050B00
-        const int advance = m_metrics.horizontalAdvance(c);
+            m_aAdvances[code] = m_metrics.horizontalAdvance(QChar(code));
 #else
-        const int advance = m_metrics.width(c);
+            m_aAdvances[code] = m_metrics.width(QChar(code));
 #endif
-        if (code < 256) {
-            m_aAdvances[code] = advance;
             m_aMeasured[code] = true;
         }
-        return advance;
+        return m_aAdvances[code];
     }
 
     QFont m_font;
@@ -163,7 +165,10 @@ QRect lineBox(const QLabel* label, const QString& text)
     CLineMetrics& metrics = lineMetrics(label->font());
     const int lineHeight = metrics.lineHeight();
     const int room = lineHeight / 4;
-    const int width = metrics.width(text) + 2 * room;
+    const int textWidth = metrics.width(text);
+    if (textWidth < 0)
+        return box;
+    const int width = textWidth + 2 * room;
     const QRect line(box.right() + 1 - width, box.top() + (box.height() - lineHeight) / 2 - room,
                      width, lineHeight + 2 * room);
     return line.intersected(box);
