@@ -7,6 +7,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPen>
+#include <QRegion>
 
 #include <cmath>
 #include <cstdio>
@@ -45,6 +46,14 @@ QString limitLabel(double limit)
     char text[400]; // room for the largest double in "%.2f"
     snprintf(text, sizeof text, "%.2f", limit);
     return QString::fromLatin1(text);
+}
+
+// A part of the bar that the repaint does not reach would be clipped away whole: a moved marker
+// repaints its old and new place only, where most parts are not.
+void fillReached(QPainter& painter, const QRegion& reached, const QRect& part, const QColor& colour)
+{
+    if (reached.intersects(part))
+        painter.fillRect(part, colour);
 }
 
 // Where a marker at x is drawn; nothing for no marker.
@@ -175,29 +184,31 @@ void OffsetBar::paintEvent(QPaintEvent* event)
     CWidget::paintEvent(event);
 
     QPainter painter(this);
-    QFont font = QApplication::font();
-    font.setPixelSize(kFontPixelSize);
-    painter.setFont(font);
-    painter.setPen(QPen(Qt::black));
-    painter.setBrush(QBrush(Qt::white, Qt::SolidPattern));
+    painter.setPen(Qt::black);
+    painter.setBrush(Qt::white);
     painter.translate(rect().topLeft());
 
     const int zoneHeight = kBarHeight - 2;
     painter.drawRect(QRect(0, 0, kBarWidth, kBarHeight));
-    painter.fillRect(QRect(1, 1, kScaler, zoneHeight), kOutOfRangeColour);
-    painter.fillRect(QRect(kBarWidth - 1 - kScaler, 1, kScaler, zoneHeight), kOutOfRangeColour);
-    painter.fillRect(QRect(1 + kScaler, 1, kBarWidth - 2 - 2 * kScaler, zoneHeight),
-                     kInRangeColour);
-    painter.fillRect(QRect(kCentreX, 1, 1, kMarkerHeight), Qt::black);
+    const QRegion& reached = event->region();
+    fillReached(painter, reached, QRect(1, 1, kScaler, zoneHeight), kOutOfRangeColour);
+    fillReached(painter, reached, QRect(kBarWidth - 1 - kScaler, 1, kScaler, zoneHeight),
+                kOutOfRangeColour);
+    fillReached(painter, reached, QRect(1 + kScaler, 1, kBarWidth - 2 - 2 * kScaler, zoneHeight),
+                kInRangeColour);
+    fillReached(painter, reached, QRect(kCentreX, 1, 1, kMarkerHeight), Qt::black);
 
     const QRect marker = markerRect(markerX());
     if (!marker.isNull())
-        painter.fillRect(marker, Qt::blue);
+        fillReached(painter, reached, marker, Qt::blue);
 
     // A moved marker repaints its old and new place only, above the labels: shaping the label
-    // texts would cost more than all the rest.
+    // texts would cost more than all the rest, and so would choosing their font.
     if (!event->rect().intersects(QRect(0, kBarHeight, width(), height() - kBarHeight)))
         return;
+    QFont font = QApplication::font();
+    font.setPixelSize(kFontPixelSize);
+    painter.setFont(font);
     painter.drawText(QPoint(kScaler - kLabelOffset, kLabelBaseline), m_sMinValue);
     painter.drawText(QPoint(kBarWidth - kScaler - kLabelOffset, kLabelBaseline), m_sMaxValue);
 }

@@ -1,15 +1,17 @@
-// Linked into the bench builds only (opm_bench, opmplugin_bench, opmfloor): notes when the
+// Linked into the bench builds only (opm_bench, opmplugin_bench, opmfloor_bench): notes when the
 // window is first painted and when a label first shows a reading, prints one line with both
 // times, the peak resident size and the widget count, and quits. The product and demo builds
-// never contain it.
+// never contain it. With OPM_BENCH_STOP_AT_FIRST_PAINT set it reports and quits after the first
+// paint pass instead, so that callgrind counts the instructions of the start-up alone. Qt 5 runs it at the application's start-up; Qt 4 has no such hook, so there
+// it joins at the first event the application delivers (a plug-in's when it is loaded).
 #include <QApplication>
 #include <QEvent>
 #include <QFile>
 #include <QLabel>
-#include <QRegularExpression>
-#include <QTimer>
+#include <QRegExp>
 
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
 namespace {
@@ -24,7 +26,7 @@ long long realtimeMicroseconds()
 // VmHWM of this process, in kB.
 long long peakResidentKb()
 {
-    QFile status(QStringLiteral("/proc/self/status"));
+    QFile status(QString::fromLatin1("/proc/self/status"));
     if (!status.open(QIODevice::ReadOnly))
         return -1;
     for (const QByteArray& line : status.readAll().split('\n')) {
@@ -44,35 +46,43 @@ public:
         return false;
     }
 
+protected:
+    // After the paint pass that showed the reading has reached the backing store.
+    void customEvent(QEvent*) override { report(); }
+
 private:
     void notePaint(QWidget* widget)
     {
-        if (m_firstPaint == 0)
+        if (m_firstPaint == 0) {
             m_firstPaint = realtimeMicroseconds();
+            if (std::getenv("OPM_BENCH_STOP_AT_FIRST_PAINT")) {
+                m_window = widget->window();
+                QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+                return;
+            }
+        }
         auto* label = qobject_cast<QLabel*>(widget);
-        if (m_done || !label || !isReading(label->text()))
+        if (m_window || !label || !isReading(label->text()))
             return;
-        m_done = true;
-        QWidget* window = label->window();
-        // After this paint pass has reached the backing store.
-        QTimer::singleShot(0, this, [this, window] { report(window); });
+        m_window = label->window();
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
     }
 
     static bool isReading(const QString& text)
     {
-        static const QRegularExpression reading(
-            QStringLiteral("^-?[0-9]+\\.[0-9]+ (dBm|dB|mW|uW|dB/km|dB/mi)$"));
-        return reading.match(text).hasMatch();
+        static const QRegExp reading(
+            QString::fromLatin1("-?[0-9]+\\.[0-9]+ (dBm|dB|mW|uW|dB/km|dB/mi)"));
+        return reading.exactMatch(text);
     }
 
-    void report(QWidget* window)
+    void report()
     {
         const long long shown = realtimeMicroseconds();
         qApp->removeEventFilter(this);
         std::printf("bench-probe: first-paint-us=%lld first-reading-us=%lld vmhwm-kb=%lld "
                     "widgets=%d\n",
                     m_firstPaint, shown, peakResidentKb(),
-                    int(window->findChildren<QWidget*>().size()) + 1);
+                    int(m_window->findChildren<QWidget*>().size()) + 1);
         std::fflush(stdout);
         QCoreApplication::quit();
         // Not owned by the application: a plug-in's code may be gone when it is destroyed.
@@ -80,11 +90,29 @@ private:
     }
 
     long long m_firstPaint = 0;
-    bool m_done = false;
+    QWidget* m_window = nullptr;
 };
 
 void installStartupProbe() { qApp->installEventFilter(new CStartupProbe); }
 
 } // namespace
 
+#if QT_VERSION >= 0x050000
 Q_COREAPP_STARTUP_FUNCTION(installStartupProbe)
+#else
+namespace {
+
+bool joinAtFirstEvent(void**)
+{
+    if (!qApp)
+        return false;
+    QInternal::unregisterCallback(QInternal::EventNotifyCallback, joinAtFirstEvent);
+    installStartupProbe();
+    return false;
+}
+
+const bool s_registered =
+    QInternal::registerCallback(QInternal::EventNotifyCallback, joinAtFirstEvent);
+
+} // namespace
+#endif
