@@ -124,7 +124,7 @@ void TestResultPage::lines()
     page.show();
     QCOMPARE(OpmPageProbe::lines(&page), expected);
 
-    OpmPageProbe::m_pClear(&page)->click();
+    OpmPageProbe::clear(&page)->click();
     QCOMPARE(OpmPageProbe::lines(&page), blank);
     QCOMPARE(CBrovaOpmDataEngine::getSingleInstance()->getResultItemCount(), 0);
 }

@@ -277,19 +277,14 @@ void TestOpmPlugin::readerTooSlowTracedOnce()
 
 void TestOpmPlugin::hostEndsPageDuringBox_data()
 {
-    QTest::addColumn<QString>("steps"); // on the Setup tab, the last one opens the box; or F1
-    QTest::addColumn<QString>("destroy"); // what the host destroys while the box is open
-    const char* const boxes[][2] = {
-        { "warning box", "tick; click save" },
-        { "keypad", "F1" },
-        { "reference dialog", "choose mode 1; tick; click reference" },
-        { "error box", "click limits; enter min 50" },
-    };
+    // box: the warning of a full store, the keypad of F1, the reference dialog, a limit's error;
+    // destroy: what the host destroys while the box is open.
+    addColumns<int, QString>("box destroy");
+    const char* const boxes[] = { "warning box", "keypad", "reference dialog", "error box" };
     const char* const hosts[] = { "page", "window", "plug-in" };
-    for (size_t b = 0; b < sizeof boxes / sizeof boxes[0]; ++b) {
-        for (size_t h = 0; h < sizeof hosts / sizeof hosts[0]; ++h)
-            QTest::newRow(qPrintable(QString("%1, %2").arg(boxes[b][0], hosts[h])))
-                << boxes[b][1] << hosts[h];
+    for (int b = 0; b < 4; ++b) {
+        for (int h = 0; h < 3; ++h)
+            addRow(QString("%1, %2").arg(boxes[b], hosts[h]), b, QString(hosts[h]));
     }
 }
 
@@ -298,7 +293,7 @@ void TestOpmPlugin::hostEndsPageDuringBox_data()
 // own event loop. That must end cleanly, and the plug-in must carry on without what is gone.
 void TestOpmPlugin::hostEndsPageDuringBox()
 {
-    QFETCH(QString, steps);
+    QFETCH(int, box);
     QFETCH(QString, destroy);
     CBrovaOpmDataEngine* store = CBrovaOpmDataEngine::getSingleInstance();
     store->clearAllresultItem();
@@ -329,10 +324,21 @@ void TestOpmPlugin::hostEndsPageDuringBox()
         }
         return true;
     };
-    if (steps == "F1")
+    using P = OpmPageProbe;
+    NerioOpm* setup = P::setupTab(page);
+    if (box == 0) {
+        P::tick(setup);
+        P::click(setup, P::Save);
+    } else if (box == 1) {
         QTest::keyClick(page.data(), Qt::Key_F1);
-    else
-        OpmPageProbe::act(OpmPageProbe::m_pTableOpmSetup(page), reader, steps);
+    } else if (box == 2) {
+        P::choose(setup, P::Mode, 1);
+        P::tick(setup);
+        P::click(setup, P::Reference);
+    } else {
+        P::click(setup, P::Limits);
+        P::enter(setup, P::Min, "50");
+    }
     OPM_TRY_COMPARE(m_boxes->count(), 1, 5000);
     QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
     QVERIFY(!page);
