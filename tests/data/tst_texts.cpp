@@ -4,6 +4,7 @@
 // reading as the page shows it: tst_opmreading).
 #include "fixedText.h"
 #include "opmReading.h"
+#include "testSupport.h"
 
 #include <QtTest>
 
@@ -24,9 +25,8 @@ private slots:
 // measurement, each into a 16-byte field between guard bytes.
 void TestTexts::copy_data()
 {
-    QTest::addColumn<QString>("source"); // a null text stands for a null pointer
-    QTest::addColumn<QString>("copied");
-    QTest::addColumn<QString>("measured");
+    // source: a null text stands for a null pointer
+    addColumns<QString, QString, QString>("source copied measured");
     QTest::newRow("null") << QString() << ""
                           << "";
     QTest::newRow("one too long") << "1234567890123456"
@@ -80,9 +80,9 @@ void TestTexts::copy()
 void TestTexts::format_data()
 {
     // The page's settings: "power <unit>" or "loss <unit> <length> <reference>".
-    QTest::addColumn<QString>("settings");
-    QTest::addColumn<QByteArray>("value"); // with the reader's unit after a blank
-    QTest::addColumn<QString>("shown"); // text | limitsUnit | fiberLength ("was": unchanged)
+    // value: with the reader's unit after a blank
+    // shown: text | limitsUnit | fiberLength ("was": unchanged)
+    addColumns<QString, QByteArray, QString>("settings value shown");
 
     QTest::newRow("mW -10") << "power mW" << QByteArray("-10 dBm") << "0.100000 mW|mW|was";
     QTest::newRow("mW 0") << "power mW" << QByteArray("0 dBm") << "1.000000 mW|mW|was";

@@ -19,11 +19,11 @@ private slots:
 
 void TestFileFaults::settingsLost_data()
 {
-    QTest::addColumn<bool>("atStart"); // else while the page runs
-    QTest::addColumn<QString>("blocked"); // taken away, a folder with all it holds
-    QTest::addColumn<QString>(
-        "blocker"); // put in its place: a "file", a "folder" or "binary" bytes
-    QTest::addColumn<bool>("fails"); // the changes cannot be kept
+    // atStart: else while the page runs
+    // blocked: taken away, a folder with all it holds
+    // blocker: put in its place: a "file", a "folder" or "binary" bytes
+    // fails: the changes cannot be kept
+    addColumns<bool, QString, QString, bool>("atStart blocked blocker fails");
 
     QTest::newRow("binary file at start") << true << kSettingFile << "binary" << false;
     QTest::newRow("folder is a file at start") << true << "/home/Setting"

@@ -64,9 +64,8 @@ void TestReaderFaults::cleanup()
 
 void TestReaderFaults::readerKilled_data()
 {
-    QTest::addColumn<int>("signal");
-    QTest::addColumn<int>("flag"); // what the reader leaves in the record
-    QTest::addColumn<QString>("colour");
+    // flag: what the reader leaves in the record
+    addColumns<int, int, QString>("signal flag colour");
     QTest::newRow("SIGKILL: its last reading stays") << int(SIGKILL) << 1 << "black";
     QTest::newRow("SIGTERM: it says no reading") << int(SIGTERM) << 0 << "red";
 }

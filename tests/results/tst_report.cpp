@@ -172,8 +172,9 @@ void TestReport::markupInTexts()
 
 void TestReport::generalInformation_data()
 {
-    QTest::addColumn<QByteArray>("e2prom"); // null: no file
-    QTest::addColumn<QString>("rows"); // the cells after the date's row, joined by '|'
+    // e2prom: null: no file
+    // rows: the cells after the date's row, joined by '|'
+    addColumns<QByteArray, QString>("e2prom rows");
 
     const QString version = "Software Version:|Common 2.4.1\n";
     QTest::newRow("no EEPROM data") << QByteArray() << version;
@@ -208,10 +209,8 @@ void TestReport::generalInformation()
 
 void TestReport::version_data()
 {
-    QTest::addColumn<QByteArray>("vendor"); // null: no file
-    QTest::addColumn<int>("room");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("version");
+    // vendor: null: no file
+    addColumns<QByteArray, int, int, QByteArray>("vendor room status version");
 
     QTest::newRow("first line from Common on")
         << kVendor << 128 << 0 << QByteArray("Common 2.4.1\n");
@@ -247,8 +246,8 @@ void TestReport::version()
 
 void TestReport::names_data()
 {
-    QTest::addColumn<QString>("entry");
-    QTest::addColumn<QString>("file"); // "%STAMP%": the proposed date-and-time name
+    // file: "%STAMP%": the proposed date-and-time name
+    addColumns<QString, QString>("entry file");
 
     QTest::newRow("proposed name") << "%OK%"
                                    << "%STAMP%.html";

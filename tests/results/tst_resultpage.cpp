@@ -77,8 +77,7 @@ void TestResultPage::store()
 
 void TestResultPage::lines_data()
 {
-    QTest::addColumn<QStringList>("results");
-    QTest::addColumn<QStringList>("expected");
+    addColumns<QStringList, QStringList>("results expected");
 
     QTest::newRow("empty store") << QStringList() << QStringList();
     QTest::newRow("limits on and off")
