@@ -12,7 +12,6 @@
 #include "opmplugin.h"
 #include "verificationText.h"
 
-#include <QElapsedTimer>
 #include <QLibrary>
 #include <QPointer>
 #include <QProcess>
@@ -240,7 +239,7 @@ void TestOpmPlugin::startKillStartLeavesOneReader()
         page.enterInit();
         // A start the shell has not carried out yet would show up within slowMs.
         QTest::qWait(slowMs + 10);
-        QVERIFY2(m_root->readersSettleAt(1, 3000),
+        QVERIFY2(m_root->readersSettleAt(1),
                  qPrintable(QString("%1 readers after sequence %2")
                                 .arg(m_root->runningReaders().size())
                                 .arg(i)));
@@ -249,29 +248,29 @@ void TestOpmPlugin::startKillStartLeavesOneReader()
     QCOMPARE(m_root->runningReaders().size(), 1);
 }
 
-// A reader that takes longer than the page waits: the page goes on and says so once.
+// A reader that takes longer than the page waits: the page goes on without it (it is not there
+// yet when the start returns) and says so once; the late reader comes all the same, and goes
+// with the page.
 void TestOpmPlugin::readerTooSlowTracedOnce()
 {
     if (!shellTakesLibrary())
         OPM_SKIP("the system's shell cannot take the slow-start library here");
     std::unique_ptr<COpmMainPage> page(new COpmMainPage);
-    QVERIFY(m_root->readersSettleAt(1, 3000));
-    QElapsedTimer took;
+    QVERIFY(m_root->readersSettleAt(1));
+    int atReturn = 0;
     QByteArray trace;
     {
-        SlowReaderStart slow(1500);
+        SlowReaderStart slow(5000);
         StdoutCapture capture;
-        took.start();
         page->enterInit();
+        atReturn = m_root->runningReaders().size();
         trace = capture.take();
     }
-    const qint64 ms = took.elapsed();
-    // The late reader comes all the same, and goes with the page.
-    const bool came = m_root->readersSettleAt(1, 5000);
+    const bool came = m_root->readersSettleAt(1);
     page.reset();
-    QVERIFY(m_root->readersSettleAt(0, 3000));
+    QVERIFY(m_root->readersSettleAt(0));
+    QCOMPARE(atReturn, 0);
     QVERIFY(came);
-    QVERIFY2(ms < 1000, qPrintable(QString::number(ms)));
     QCOMPARE(trace.count("no reader"), 1);
 }
 
@@ -339,7 +338,7 @@ void TestOpmPlugin::hostEndsPageDuringBox()
         P::click(setup, P::Limits);
         P::enter(setup, P::Min, "50");
     }
-    OPM_TRY_COMPARE(m_boxes->count(), 1, 5000);
+    OPM_TRY_COMPARE(m_boxes->count(), 1, 20000);
     QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete);
     QVERIFY(!page);
     QVERIFY(!QApplication::activeModalWidget());
