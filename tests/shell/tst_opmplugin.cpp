@@ -234,7 +234,7 @@ void TestOpmPlugin::startKillStartLeavesOneReader()
     const int slowMs = 30;
     SlowReaderStart slow(slowMs);
     COpmMainPage page;
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 40; ++i) {
         page.enterInit();
         page.enterInit();
         // A start the shell has not carried out yet would show up within slowMs.
@@ -260,7 +260,7 @@ void TestOpmPlugin::readerTooSlowTracedOnce()
     int atReturn = 0;
     QByteArray trace;
     {
-        SlowReaderStart slow(5000);
+        SlowReaderStart slow(3000);
         StdoutCapture capture;
         page->enterInit();
         atReturn = m_root->runningReaders().size();
