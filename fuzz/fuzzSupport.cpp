@@ -13,36 +13,6 @@
 // fontconfig keeps a cache it never frees; it is no leak of the page's.
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
-namespace {
-
-// Each 16-byte field (of fields, size bytes in all) ends inside it.
-bool fieldsEnded(const void* fields, size_t size)
-{
-    const char* bytes = static_cast<const char*>(fields);
-    bool all = true;
-    for (size_t at = 0; at < size; at += 16)
-        all = all && std::memchr(bytes + at, '\0', size - at < 16 ? size - at : 16);
-    return all;
-}
-
-} // namespace
-
-bool OpmPageProbe::textsEnded(NerioOpm* p)
-{
-    const OpmShareRecord* records[] = { &p->Opm, &p->m_sOpmRef };
-    bool all = ended(p->m_result) && fieldsEnded(p->m_aWaveLengthRef, sizeof p->m_aWaveLengthRef);
-    for (int i = 0; i < 2; ++i)
-        all = all && fieldsEnded(records[i]->wavelenth, 8) && fieldsEnded(records[i]->unit, 8)
-            && fieldsEnded(records[i]->value, 16) && fieldsEnded(records[i]->deviceType, 16);
-    return all;
-}
-
-bool OpmPageProbe::ended(const Result& r)
-{
-    return fieldsEnded(r.testMode, offsetof(Result, isLimit))
-        && std::memchr(r.time, '\0', sizeof r.time);
-}
-
 namespace FuzzSupport {
 
 void start()
@@ -78,11 +48,11 @@ void paint(QWidget* widget)
 
 void requireSanePage(NerioOpm* page)
 {
-    if (!OpmPageProbe::textsEnded(page))
+    if (!OpmPageProbe::fieldsEnded(page))
         qFatal("a text field of the page runs past its width");
     static QRegExp known(
         "-?(nan|inf|\\d+\\.\\d+) (dBm|dB|mW|uW|dB/km|dB/mi)|OPM Not Connected!|---\\.--|");
-    const QString label = OpmPageProbe::state(page).value("label");
+    const QString label = OpmPageProbe::reading(page);
     if (!known.exactMatch(label))
         qFatal("the reading label shows '%s'", qPrintable(label));
 }

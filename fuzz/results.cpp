@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     std::list<Result> stored;
     store->getAllResultItem(stored);
     for (std::list<Result>::const_iterator it = stored.begin(); it != stored.end(); ++it) {
-        if (!OpmPageProbe::ended(*it))
+        if (!OpmPageProbe::fieldsEnded(*it))
             qFatal("a text field of a stored reading runs past its width");
     }
     // Opening the tab fills its lines, leaving it blanks them.

@@ -2,6 +2,7 @@
 // a new page, and a reading is shown through it (limits, loss unit and length, references).
 //
 // Input: the file's whole content.
+#include "devicePaths.h"
 #include "fuzzSupport.h"
 #include "opmPageProbe.h"
 
@@ -34,7 +35,8 @@ void readAtTarget(NerioOpm* page)
     g_reader->setReading(target >= 0 && target < 5 ? waves[target] : "850", "dBm", "-4.52");
     g_reader->record()->needSave = 0;
     // The first tick follows the wavelength, the second measures against its reference.
-    OpmPageProbe::act(page, *g_reader, "tick; tick");
+    OpmPageProbe::tick(page);
+    OpmPageProbe::tick(page);
 }
 
 } // namespace
@@ -59,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (auto* bar = page->findChild<OffsetBar*>())
         FuzzSupport::paint(bar);
     // The page keeps its record attached for the process's life; a page per input must not.
-    OpmShareRecord* attached = OpmPageProbe::m_addr(page);
+    OpmShareRecord* attached = OpmPageProbe::record(page);
     delete page;
     if (isShareMemAttached(attached))
         shmdt(attached);

@@ -8,6 +8,7 @@
 //   1       readings already in the store (modulo 12, so a save never meets a full store)
 //   2-13    lower limit, upper limit, fibre length: three floats as they lie in memory
 //   14-77   the 64-byte shared record
+#include "fixedText.h"
 #include "fuzzSupport.h"
 #include "opmPageProbe.h"
 
@@ -57,23 +58,27 @@ QString number(float value) { return QString::number(double(value), 'g', 9); }
 // The operator's steps that put the page into the state. The limits go in as a restored setup
 // puts them (any number), then the check box takes them over; the length goes through its
 // field, whose check refuses what the page could never hold (and would open a box).
-QString stepsFor(const PageState& s)
+void putInto(NerioOpm* page, const PageState& s)
 {
-    static const char* const units[] = { "dBm", "mW", "uW", "dBm" };
-    QStringList steps;
-    steps << QString::fromLatin1("choose mode %1").arg(int(s.loss))
-          << QString::fromLatin1("click %1").arg(units[s.unit])
-          << QString::fromLatin1("choose lossUnit %1").arg(s.lossUnit == 3 ? 0 : s.lossUnit)
-          << "type min " + number(s.min) << "type max " + number(s.max);
+    using P = OpmPageProbe;
+    static const P::Button units[] = { P::DBm, P::MW, P::UW, P::DBm };
+    P::choose(page, P::Mode, int(s.loss));
+    P::click(page, units[s.unit]);
+    P::choose(page, P::LossUnit, s.lossUnit == 3 ? 0 : s.lossUnit);
+    P::type(page, P::Min, number(s.min));
+    P::type(page, P::Max, number(s.max));
     if (g_limits->isChecked())
-        steps << "click limits";
-    steps << "click limits";
+        P::click(page, P::Limits);
+    P::click(page, P::Limits);
     if (!s.limits)
-        steps << "click limits";
+        P::click(page, P::Limits);
     const bool lengthFits = s.length > 0.0f && s.length <= 99999.0f;
-    steps << "enter length " + (lengthFits ? number(s.length) : QString::fromLatin1("1"));
-    steps << (s.hold ? "click hold; tick; click hold" : "tick");
-    return steps.join(";");
+    P::enter(page, P::Length, lengthFits ? number(s.length) : QString::fromLatin1("1"));
+    if (s.hold)
+        P::click(page, P::Hold);
+    P::tick(page);
+    if (s.hold)
+        P::click(page, P::Hold);
 }
 
 void fillStore(int count)
@@ -111,7 +116,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     OpmShareRecord record;
     FuzzSupport::take(data, size, kStateSize, &record, sizeof record);
     std::memcpy(g_reader->record(), &record, sizeof record);
-    OpmPageProbe::act(g_page, *g_reader, stepsFor(state));
+    putInto(g_page, state);
     FuzzSupport::requireSanePage(g_page);
     FuzzSupport::paint(g_bar);
     return 0;

@@ -8,18 +8,16 @@ target_link_libraries(slowReaderStart PRIVATE ${CMAKE_DL_LIBS})
 target_compile_options(slowReaderStart PRIVATE -fno-sanitize=all)
 target_link_options(slowReaderStart PRIVATE -fno-sanitize=all)
 
-opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp ${CMAKE_CURRENT_SOURCE_DIR}/support/opmPageProbe.h)
+opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp)
 target_link_libraries(tst_opmplugin PRIVATE pluginverify)
 target_compile_definitions(tst_opmplugin PRIVATE
     OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     SLOW_READER_START_LIBRARY="$<TARGET_FILE:slowReaderStart>")
 add_dependencies(tst_opmplugin opmplugin slowReaderStart)
 
-# The product's own device root: this suite must not link the test support library, which
-# brings a root of its own.
-add_executable(tst_devicepaths shell/tst_devicepaths.cpp ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp)
-target_include_directories(tst_devicepaths PRIVATE ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(tst_devicepaths PRIVATE opmroot_product OpmQt::Core OpmQt::Test)
+# The product's own device root, as the plug-in and the stand-alone program have it.
+opm_add_test(tst_devicepaths PRODUCT_ROOT shell/tst_devicepaths.cpp
+    ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp)
 target_compile_definitions(tst_devicepaths PRIVATE
     OPM_PRODUCT_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     OPM_PRODUCT_PROGRAM_FILE="$<TARGET_FILE:opm>"
@@ -27,7 +25,3 @@ target_compile_definitions(tst_devicepaths PRIVATE
     OPM_DEMO_ROOT_PATH="${OPM_DEMO_ROOT}"
     OPM_READER_STAND_IN_FILE="$<TARGET_FILE:readerStandIn>")
 add_dependencies(tst_devicepaths opmplugin opm opmplugin_demo)
-add_test(NAME tst_devicepaths COMMAND tst_devicepaths ${OPM_QTEST_ARGS})
-set_tests_properties(tst_devicepaths PROPERTIES
-    TIMEOUT ${OPM_TEST_TIMEOUT}
-    ENVIRONMENT "QTEST_FUNCTION_TIMEOUT=60000")

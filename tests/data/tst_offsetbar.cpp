@@ -2,6 +2,7 @@
 // and values, clearing, labels, and what a new value repaints.
 #include "offsetBar.h"
 #include "qtCompat.h"
+#include "testSupport.h"
 
 #include <QImage>
 #include <QPaintEvent>
@@ -46,12 +47,8 @@ void TestOffsetBar::labelsAndClear()
 
 void TestOffsetBar::position_data()
 {
-    QTest::addColumn<int>("update"); // which setRangedOffset, if any
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<int>("percent");
-    QTest::addColumn<int>("markerX");
+    // update: which setRangedOffset, if any
+    addColumns<int, double, double, double, int, int>("update low high value percent markerX");
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
 
@@ -111,9 +108,9 @@ public:
 // the new marker's place when the marker moves, everything when a label changes.
 void TestOffsetBar::repaint_data()
 {
-    QTest::addColumn<QString>("before"); // low high value
-    QTest::addColumn<QString>("after");
-    QTest::addColumn<QString>("repainted"); // nothing, markers or all
+    // before: low high value
+    // repainted: nothing, markers or all
+    addColumns<QString, QString, QString>("before after repainted");
     QTest::newRow("same reading") << "-60 10 -12.34"
                                   << "-60 10 -12.34"
                                   << "nothing";

@@ -1,9 +1,10 @@
 // Texts of fixed width and the reading's text: bounded copies, which never run past a field and
 // keep the unit of a measurement that does not fit; and the reading display's arithmetic and
-// text without a page, in each mode and unit, for the reader's relative levels, no light and
-// values no reader should send.
+// text without a page, in each mode and unit, for no light and values no reader should send (the
+// reading as the page shows it: tst_opmreading).
 #include "fixedText.h"
 #include "opmReading.h"
+#include "testSupport.h"
 
 #include <QtTest>
 
@@ -24,9 +25,8 @@ private slots:
 // measurement, each into a 16-byte field between guard bytes.
 void TestTexts::copy_data()
 {
-    QTest::addColumn<QString>("source"); // a null text stands for a null pointer
-    QTest::addColumn<QString>("copied");
-    QTest::addColumn<QString>("measured");
+    // source: a null text stands for a null pointer
+    addColumns<QString, QString, QString>("source copied measured");
     QTest::newRow("null") << QString() << ""
                           << "";
     QTest::newRow("one too long") << "1234567890123456"
@@ -80,25 +80,24 @@ void TestTexts::copy()
 void TestTexts::format_data()
 {
     // The page's settings: "power <unit>" or "loss <unit> <length> <reference>".
-    QTest::addColumn<QString>("settings");
-    QTest::addColumn<QByteArray>("value"); // with the reader's unit after a blank
-    QTest::addColumn<QString>("shown"); // text | limitsUnit | fiberLength ("was": unchanged)
+    // value: with the reader's unit after a blank
+    // shown: text | limitsUnit | fiberLength ("was": unchanged)
+    addColumns<QString, QByteArray, QString>("settings value shown");
 
-    QTest::newRow("dBm") << "power dBm" << QByteArray("-3.21 dBm") << "-3.210 dBm|dBm|was";
     QTest::newRow("mW -10") << "power mW" << QByteArray("-10 dBm") << "0.100000 mW|mW|was";
     QTest::newRow("mW 0") << "power mW" << QByteArray("0 dBm") << "1.000000 mW|mW|was";
+    QTest::newRow("mW -12.347") << "power mW" << QByteArray("-12.347 dBm") << "0.058251 mW|mW|was";
+    QTest::newRow("uW -3.2147") << "power uW" << QByteArray("-3.2147 dBm")
+                                << "477.012756 uW|uW|was";
     QTest::newRow("uW -10") << "power uW" << QByteArray("-10 dBm") << "100.000000 uW|uW|was";
-    QTest::newRow("relative level") << "power dBm" << QByteArray("-2.5 dB") << "-2.500 dB|dB|was";
-    QTest::newRow("no light") << "power mW" << QByteArray("---.-- dBm") << "---.--|was|was";
     QTest::newRow("no light, loss")
         << "loss dB/km 2 -5" << QByteArray("---.-- dBm") << "---.--|was|was";
-    QTest::newRow("loss dB") << "loss dB 2 -5" << QByteArray("-8 dBm") << "3.000000 dB|was|";
-    QTest::newRow("loss dB/km") << "loss dB/km 2 -5" << QByteArray("-9 dBm")
-                                << "2.000000 dB/km|was|2.000000 km";
-    QTest::newRow("loss dB/mi") << "loss dB/mi 2.5 -5" << QByteArray("-10 dBm")
-                                << "2.000000 dB/mi|was|2.500000 mi";
-    QTest::newRow("loss, 16 characters")
-        << "loss dB/km 2 -5" << QByteArray("20 dBm") << "-12.500000 dB/km|was|2.000000 km";
+    QTest::newRow("loss dB") << "loss dB 2 -5.125" << QByteArray("-8.347 dBm")
+                             << "3.222000 dB|was|";
+    QTest::newRow("loss dB/km") << "loss dB/km 2 -5.125" << QByteArray("-9.347 dBm")
+                                << "2.111000 dB/km|was|2.000000 km";
+    QTest::newRow("loss dB/mi") << "loss dB/mi 2.5 -5.125" << QByteArray("-10.375 dBm")
+                                << "2.100000 dB/mi|was|2.500000 mi";
     QTest::newRow("longest length")
         << "loss dB/km 99999 0" << QByteArray("-1 dBm") << "0.000010 dB/km|was|99999.000000 km";
     QTest::newRow("reference not a number")

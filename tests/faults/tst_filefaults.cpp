@@ -6,7 +6,6 @@ namespace {
 
 const QString kSettingFile = "/home/Setting/opmSetup.conf";
 const QByteArray kTrace = "COpmSetupConfig cannot write ";
-const QString kReportDir = "/home/brova/brova-rslt/opm";
 
 } // namespace
 
@@ -16,16 +15,15 @@ class TestFileFaults : public QObject
 private slots:
     void settingsLost_data();
     void settingsLost();
-    void reportFolderReplaced();
 };
 
 void TestFileFaults::settingsLost_data()
 {
-    QTest::addColumn<bool>("atStart"); // else while the page runs
-    QTest::addColumn<QString>("blocked"); // taken away, a folder with all it holds
-    QTest::addColumn<QString>(
-        "blocker"); // put in its place: a "file", a "folder" or "binary" bytes
-    QTest::addColumn<bool>("fails"); // the changes cannot be kept
+    // atStart: else while the page runs
+    // blocked: taken away, a folder with all it holds
+    // blocker: put in its place: a "file", a "folder" or "binary" bytes
+    // fails: the changes cannot be kept
+    addColumns<bool, QString, QString, bool>("atStart blocked blocker fails");
 
     QTest::newRow("binary file at start") << true << kSettingFile << "binary" << false;
     QTest::newRow("folder is a file at start") << true << "/home/Setting"
@@ -53,7 +51,7 @@ void TestFileFaults::settingsLost()
     QFETCH(QString, blocker);
     QFETCH(bool, fails);
 
-    PageFixture fx(Keys(), !atStart);
+    PageFixture fx(QByteArray(), !atStart);
     QFile::remove(fx.root.file(kSettingFile));
     TestCompat::removeRecursively(fx.root.file(blocked));
     QByteArray content("in the way");
@@ -68,39 +66,32 @@ void TestFileFaults::settingsLost()
     StdoutCapture capture;
     if (atStart)
         fx.buildPage();
-    fx.act("choose wave 3; click mW; show 1550 -12.34");
+    using P = OpmPageProbe;
+    P::choose(fx.page, P::Wave, 3);
+    P::click(fx.page, P::MW);
+    fx.show("1550", "-12.347");
     const QByteArray trace = capture.take();
     QCOMPARE(trace.count(kTrace), fails ? 1 : 0);
-    fx.verify(facts("target=3; unit=1; label=0.058345 mW; boxes=0"));
+    QCOMPARE(fx.reader.record()->wavelenthTarget, 3);
+    QCOMPARE(P::reading(fx.page), QString("0.058251 mW"));
+    QCOMPARE(fx.closer.count(), 0);
     if (fails)
         QCOMPARE(fx.root.readFile(path), content);
     else // a garbled file is replaced by the setup and what could be read of it
-        fx.verify(facts("file:Wavelength=1550; file:UNIT=mW; file:TestMode=PowerMeter"));
+        QCOMPARE(storedValue("Wavelength") + ' ' + storedValue("UNIT") + ' '
+                     + storedValue("TestMode"),
+                 QString("1550 mW PowerMeter"));
     QCOMPARE(storedSetup().size() >= 13, !fails);
 
     // The way cleared: whatever sits at the taken path goes, the folder is back.
     QFile::remove(fx.root.file(blocked));
     TestCompat::removeRecursively(fx.root.file(blocked));
     QVERIFY(QDir().mkpath(fx.root.file("/home/Setting")));
-    fx.act("click limits");
-    fx.verify(facts("file=13; file:Wavelength=1550; file:UNIT=mW; file:PowerLimit=enable; "
-                    "file:TestMode=PowerMeter"));
-}
-
-// F1 with a file where the report folder should be: the failure is traced, nothing is written,
-// the file is left alone and the page goes on.
-void TestFileFaults::reportFolderReplaced()
-{
-    PageFixture fx(Keys(), false);
-    QVERIFY(fx.root.installReader());
-    QVERIFY(fx.root.writeFile(kReportDir, "in the way"));
-    COpmMainPage main;
-    fx.closer.handler = [](QWidget* box) { return answerKeyPad(box, "site"); };
-    StdoutCapture capture;
-    QTest::keyClick(&main, Qt::Key_F1);
-    QVERIFY(capture.take().contains("opm create save result file error \n"));
-    QCOMPARE(fx.root.readFile(kReportDir), QByteArray("in the way"));
-    QCOMPARE(fx.closer.count(), 1); // the keypad, no other box
+    P::click(fx.page, P::Limits);
+    QCOMPARE(storedSetup().size(), 13);
+    QCOMPARE(storedValue("Wavelength") + ' ' + storedValue("UNIT") + ' ' + storedValue("PowerLimit")
+                 + ' ' + storedValue("TestMode"),
+             QString("1550 mW enable PowerMeter"));
 }
 
 QTEST_MAIN(TestFileFaults)

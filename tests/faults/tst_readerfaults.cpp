@@ -16,7 +16,7 @@ const int kWaitMs = 20000;
 bool isReading(const QString& label) { return QRegExp("-?\\d+\\.\\d{3} dBm").exactMatch(label); }
 double shownNumber(NerioOpm* page)
 {
-    const QString label = P::state(page).value("label");
+    const QString label = P::reading(page);
     return isReading(label) ? label.section(' ', 0, 0).toDouble() : 0;
 }
 
@@ -43,14 +43,14 @@ private:
 // The main page shown, its reader running and its Setup tab polling it once a second.
 void TestReaderFaults::init()
 {
-    m_fx.reset(new PageFixture(Keys(), false));
+    m_fx.reset(new PageFixture(QByteArray(), false));
     QVERIFY(m_fx->root.installReader(LUMENPROBE_PATH));
     m_main.reset(new COpmMainPage);
     m_main->setGeometry(141, 61, 658, 398);
     m_main->show();
     QVERIFY(TestCompat::waitForShown(m_main.get()));
-    m_setup = P::m_pTableOpmSetup(m_main.get());
-    OPM_TRY_VERIFY(isReading(P::state(m_setup).value("label")), kWaitMs);
+    m_setup = P::setupTab(m_main.get());
+    OPM_TRY_VERIFY(isReading(P::reading(m_setup)), kWaitMs);
     QVERIFY(m_fx->root.readersSettleAt(1));
 }
 
@@ -64,9 +64,8 @@ void TestReaderFaults::cleanup()
 
 void TestReaderFaults::readerKilled_data()
 {
-    QTest::addColumn<int>("signal");
-    QTest::addColumn<int>("flag"); // what the reader leaves in the record
-    QTest::addColumn<QString>("colour");
+    // flag: what the reader leaves in the record
+    addColumns<int, int, QString>("signal flag colour");
     QTest::newRow("SIGKILL: its last reading stays") << int(SIGKILL) << 1 << "black";
     QTest::newRow("SIGTERM: it says no reading") << int(SIGTERM) << 0 << "red";
 }
@@ -85,15 +84,15 @@ void TestReaderFaults::readerKilled()
     const OpmShareRecord left = *record();
     QCOMPARE(left.flag, flag);
 
-    QSignalSpy ticks(P::m_pTimer(m_setup), SIGNAL(timeout()));
+    QSignalSpy ticks(P::timer(m_setup), SIGNAL(timeout()));
     OPM_TRY_VERIFY(ticks.count() >= 1, kWaitMs);
-    const QString label = P::state(m_setup).value("label");
+    const QString label = P::reading(m_setup);
     OPM_TRY_VERIFY(ticks.count() >= 3, kWaitMs);
-    const Keys state = P::state(m_setup);
-    QCOMPARE(state.value("label"), label);
+    QCOMPARE(P::reading(m_setup), label);
     QVERIFY2(isReading(label), qPrintable(label));
-    QCOMPARE(state.value("colour"), colour);
-    QCOMPARE(state.value("timer"), QString("1000"));
+    QCOMPARE(P::readingColour(m_setup), colour);
+    QVERIFY(P::timer(m_setup)->isActive());
+    QCOMPARE(P::timer(m_setup)->interval(), 1000);
     if (flag == OpmFlagReading) {
         const float last = float(std::atof(fieldText(left.value).toLatin1().constData()));
         QCOMPARE(label, QString::number(double(last), 'f', 3) + " dBm");
@@ -109,12 +108,12 @@ void TestReaderFaults::readerRestarted()
     OPM_TRY_VERIFY(record()->pid != first && record()->flag == OpmFlagReading, kWaitMs);
     QVERIFY(m_fx->root.readersSettleAt(1));
 
-    P::act(m_setup, m_fx->reader, "choose wave 3");
-    OPM_TRY_COMPARE(P::state(m_setup).value("wave"), QString("3/3"), kWaitMs);
+    P::choose(m_setup, P::Wave, 3);
+    OPM_TRY_COMPARE(P::waveLength(m_setup), 3, kWaitMs);
     // A tick may catch the reader between its wavelength and its value; a later one shows the
     // single-mode reading.
     OPM_TRY_VERIFY(shownNumber(m_setup) > -8 && shownNumber(m_setup) < -3, kWaitMs);
-    QCOMPARE(P::state(m_setup).value("waveLenth"), QString("1550"));
+    QCOMPARE(fieldText(P::result(m_setup).waveLenth), QString("1550"));
     QVERIFY(m_fx->root.readersSettleAt(1));
 
     QCOMPARE(::kill(pid_t(record()->pid), SIGUSR1), 0);

@@ -17,8 +17,6 @@
 #error "OPM_TESTROOT_PLUGIN_FILE names the plug-in that works below OPM_TEST_DEVICE_ROOT"
 #endif
 
-typedef QObject* (*PluginInstance)();
-
 class TestQt4Loader : public QObject
 {
     Q_OBJECT
@@ -31,28 +29,16 @@ private:
     QLabel* readingLabel(QWidget* window, const QString& text) const;
 };
 
-// The product file itself: loaded and cast, never started (it would work on the set's paths).
+// The product file itself: loaded and cast, never started (it would work on the set's paths). Its
+// identity and the single instance are tst_opmplugin's, which runs on both toolkits.
 void TestQt4Loader::productPluginLoads()
 {
     QPluginLoader loader(QString::fromLatin1(OPM_PLUGIN_FILE));
     QVERIFY2(loader.load(), qPrintable(loader.errorString()));
     QObject* root = loader.instance();
     QVERIFY(root);
-    QCOMPARE(loader.instance(), root);
-    QLibrary library(QString::fromLatin1(OPM_PLUGIN_FILE));
-    PluginInstance instance =
-        reinterpret_cast<PluginInstance>(library.resolve("qt_plugin_instance"));
-    QVERIFY(instance);
-    QCOMPARE(instance(), root);
-
     QCOMPARE(QByteArray(root->metaObject()->className()), QByteArray("NerioOpmPlugin"));
-    QCOMPARE(QByteArray(qobject_interface_iid<UtilInterface*>()),
-             QByteArray("com.corvaneinc.CommonUtil.UtilInterface/1.0"));
-    UtilInterface* plugin = qobject_cast<UtilInterface*>(root);
-    QVERIFY(plugin);
-    QVERIFY(root->qt_metacast("com.corvaneinc.CommonUtil.UtilInterface/1.0") != 0);
-    QVERIFY(!plugin->getObject());
-    QVERIFY(!plugin->stop());
+    QVERIFY(qobject_cast<UtilInterface*>(root));
 }
 
 QLabel* TestQt4Loader::readingLabel(QWidget* window, const QString& text) const

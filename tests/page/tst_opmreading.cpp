@@ -1,141 +1,281 @@
-// The live reading on the Setup tab: colour and verdict against the limits, the bar, the unit
-// button, following the reader's wavelength, hold, the summary line, values no reader should
-// send, and saving the reading from the Save button and from the reader.
+// The live reading on the Setup tab: its text, the unit button and the reading a save would
+// store; colour, verdict and bar against the limits; following the reader's wavelength; hold; the
+// summary line; and saving the reading from the Save button and from the reader.
 #include "opmPageProbe.h"
+
+using P = OpmPageProbe;
+using B = QByteArray;
 
 class TestOpmReading : public QObject
 {
     Q_OBJECT
 private slots:
-    void scenario_data();
-    void scenario();
+    void display_data();
+    void display();
+    void verdict_data();
+    void verdict();
+    void limitsOfASave();
+    void followsReader();
+    void hold_data();
+    void hold();
+    void summary_data();
+    void summary();
+    void saving_data();
+    void saving();
 };
 
-void TestOpmReading::scenario_data()
+// A reading shown after one of -1 dBm at 850 nm. Texts as long as their field or longer fill it
+// without a NUL: each is read as far as its last byte.
+void TestOpmReading::display_data()
 {
-    addScenarioColumns();
-    const QString limits = "PowerLimit=enable; PowerLimitMinimum=%1; PowerLimitMaximum=%2";
-    // A reading shown after one of -1 dBm.
-    const QString after = "show 850 -1; show 850 ";
-    QTest::newRow("dBm")
-        << "" << after + "-3.21"
-        << "label=-3.210 dBm; value=-3.210 dBm; unitButton=dBm; colour=black; testMode=Power Meter;"
-           "title=Optical Power; waveLenth=850; bar="
-            + barFor(-60, 10, -3.21);
-    QTest::newRow("relative dB") << "" << after + "2.5 dB"
-                                 << "label=-2.500 dB; unitButton=dB; limitsUnit=dB; bar="
-            + barFor(-60, 10, -2.5);
-    QTest::newRow("blanks") << "" << after + "_-12.5_"
-                            << "label=-12.500 dBm; capture=-12.5/0";
-    QTest::newRow("no light") << "UNIT=mW" << after + "---.--"
-                              << "label=---.--; value=---.--; limitsUnit=mW; capture=-1/0; bar="
-            + barFor(-60, 10, 0);
-    // Texts that fill their fields without a NUL: each is read as far as its last byte, which
-    // counts as its end. The value: fifteen characters; with the sign put in front, cut there.
-    QTest::newRow("no NUL") << ""
-                            << "show 1310 -12.3456789012345"
-                            << "label=-12.346 dBm; capture=-12.34567890123/0";
-    QTest::newRow("15 characters, relative") << ""
-                                             << "show 1310 12.345678901234 dB"
-                                             << "label=-12.346 dB";
-    QTest::newRow("wavelength without NUL")
-        << ""
-        << "show 16251625 -3.5; click save"
-        << "label=-3.500 dBm; wave=0/0; waveLenth=1625162; stored=1";
+    addColumns<B, B, B, B, QString, QString, int, QString, QString, QString, QString>(
+        "setup wavelength value unit label unitButton selected savedValue savedUnit savedWave "
+        "capture");
+    addRow("dBm", B(), B("1490"), B("-3.2147"), B("dBm"), "-3.215 dBm", "dBm", 2, "-3.215 dBm",
+           "dBm", "1490", "-3.2147");
+    addRow("relative dB: sign put in front", B(), B("1310"), B("12.3456"), B("dB"), "-12.346 dB",
+           "dB", 1, "-12.346 dB", "dB", "1310", "-12.3456");
+    addRow("blanks removed", B(), B("850"), B(" -12.5 "), B("dBm"), "-12.500 dBm", "dBm", 0,
+           "-12.500 dBm", "dBm", "850", "-12.5");
+    addRow("no light", B("UNIT=mW"), B("850"), B("---.--"), B("dBm"), "---.--", "dBm", 0, "---.--",
+           "mW", "850", "-1");
+    addRow("value without NUL", B(), B("1310"), B("-12.3456789012345"), B("dBm"), "-12.346 dBm",
+           "dBm", 1, "-12.346 dBm", "dBm", "1310", "-12.34567890123");
+    addRow("relative, 15 characters: sign in front, cut", B(), B("1310"), B("12.345678901234"),
+           B("dB"), "-12.346 dB", "dB", 1, "-12.346 dB", "dB", "1310", "-12.34567890123");
     // Not "dB": no sign put in front.
-    QTest::newRow("unit without NUL") << ""
-                                      << "show 1310 3.5 dBdBdBdB"
-                                      << "label=3.500 dBm; unitButton=dBm; wave=1/1";
-    QTest::newRow("every text without NUL")
-        << ""
-        << "show 13101310 -7.25xxxxxxxxxxx dBmdBmdB; click save"
-        << "label=-7.250 dBm; value=-7.250 dBm; wave=0/0; waveLenth=1310131; "
-           "capture=-7.25xxxxxxxxxx/0; stored=1";
+    addRow("every text without NUL", B(), B("13101310"), B("-7.25xxxxxxxxxxx"), B("dBmdBmdB"),
+           "-7.250 dBm", "dBm", 0, "-7.250 dBm", "dBm", "1310131", "-7.25xxxxxxxxxx");
+    addRow("Latin-1 wavelength", B(), B("13\xb5"), B("-4.5"), B("d\xe9"), "-4.500 dBm", "dBm", 0,
+           "-4.500 dBm", "dBm", "13\xb5", "-4.5");
     // The label keeps sixteen characters, the saved text keeps its unit and loses a digit.
-    QTest::newRow("loss too long to save")
-        << "TestMode=LossMeter; LossUnit=km; LossLength=2; Reference850=-5" << after + "20"
-        << "label=-12.500000 dB/km; value=-12.50000 dB/km; testMode=Loss Meter; "
-           "fiberLength=2.000000 km";
-
-    // Both limits inclusive, also when typed with decimals the float cannot hold exactly; with
-    // the limits off the reading is black and still judged.
-    const QString in = "colour=green; pass=1; verdict=YES", out = "colour=red; pass=0; verdict=NO";
-    const QString range = limits.arg(-20).arg(-10);
-    QTest::newRow("at upper") << range << "show 1550 -10" << in + "; bar=" + barFor(-20, -10, -10);
-    QTest::newRow("above upper") << range << "show 1550 -9.99" << out;
-    QTest::newRow("at lower") << range << "show 1550 -20" << in;
-    QTest::newRow("at decimal lower")
-        << limits.arg("-20.3").arg("-10.1") << "show 1550 -20.3" << in;
-    QTest::newRow("at decimal upper")
-        << limits.arg("-20.3").arg("-10.1") << "show 1550 -10.1" << in;
-    QTest::newRow("not a number") << range << "show 1550 nan" << out + "; label=nan dBm";
-    QTest::newRow("off, inside") << range << "click limits; show 1550 -15"
-                                 << "colour=black; pass=1; file:PowerLimit=disable; bar="
-            + barFor(-60, 10, -15);
-    QTest::newRow("off, outside") << range << "click limits; show 1550 -5"
-                                  << "colour=black; pass=0; verdict=NO; file:PowerLimit=disable";
-    // The limits a save would store follow a limit entered between two ticks, down to its sign.
-    QTest::newRow("new limit") << ""
-                               << "show 1550 -12.34; enter min 0; tick; enter min -0; tick"
-                               << "resultLimits=-0.000000 10.000000; file:PowerLimitMinimum=0";
-
-    // On hold the record is not read and the reader's save request waits.
-    const QString held = "show 1310 -7; click hold; request; show 1310 -3";
-    QTest::newRow("hold")
-        << "" << held
-        << "title=Optical Power       \t      Hold; label=-7.000 dBm; needSave=1; stored=0";
-    QTest::newRow("hold released")
-        << "" << held + "; choose mode 1; tick; click hold; tick"
-        << "title=Loss Meter; label=3.000000 dB; needSave=0; stored=1; file:TestMode=LossMeter";
-    QTest::newRow("hold in Loss Meter mode")
-        << "" << held + "; choose mode 1; tick"
-        << "title=Loss Meter   Hold; label=-7.000 dBm; file:TestMode=LossMeter";
-
-    // The selector and the reference follow the reader's wavelength if it is one of the five;
-    // the switching tick still measures against the wavelength held before it.
-    const QString refs = "TestMode=LossMeter; Reference850=-5; Reference1490=-3";
-    const QString at1490 = "wave=2/2; ref=-3; target=0; ";
-    QTest::newRow("measures at 1490")
-        << refs << "show 1490 -8; tick" << at1490 + "label=5.000000 dB";
-    QTest::newRow("980 changes nothing")
-        << refs << "show 1490 -8; show 980 -9" << at1490 + "label=6.000000 dB";
-
-    // The summary shows the last saved reading from the next tick on; the verdict with the limits.
-    const QString saved =
-        "summary=Last Saved - Loc#1 Wave length:1550 nm , Mode:Power Meter , Value:-12.340 dBm";
-    const QString steps = "show 1550 -12.34; click save; tick";
-    QTest::newRow("summary at the save") << ""
-                                         << "show 1550 -12.34; click save"
-                                         << "summary=' '; stored=1";
-    QTest::newRow("summary, limits off") << "" << steps << saved;
-    QTest::newRow("summary, limits on, pass")
-        << limits.arg(-60).arg(10) << steps << saved + " , Pass:YES";
-    QTest::newRow("summary, limits on, fail")
-        << limits.arg(-60).arg(-20) << steps << saved + " , Pass:NO";
-
-    // Twelve results at most: the thirteenth save, by the button or by the reader, is refused
-    // with the one box; a reader asking on every tick gets one box per request past the twelfth.
-    const QString twelve = "show 1550 -12.34" + QString("; click save").repeated(12);
-    const QString full = "box=Warning: Exceeds max allowed results!; stored=12; ";
-    QTest::newRow("thirteenth save") << "" << twelve + "; click save" << full + "boxes=1";
-    QTest::newRow("request on every tick")
-        << ""
-        << "show 1550 -12.34" + QString("; request; tick").repeated(14)
-        << full + "boxes=2; needSave=0";
-    // A reading of -7 dBm, then the reader's state and save request with the next one, then Save:
-    // only a valid reading at the moment of the save is stored.
-    const QString request = "show 1310 -7; request; show 1310 -3 dBm %1; click save";
-    QTest::newRow("no reading") << "" << request.arg(0)
-                                << "label=-7.000 dBm; colour=red; needSave=1; stored=0";
-    QTest::newRow("not connected")
-        << "" << request.arg(2) << "label=OPM Not Connected!; colour=red; needSave=1; stored=0";
-    QTest::newRow("state 3") << "" << request.arg(3)
-                             << "label=-3.000 dBm; colour=black; needSave=0; stored=0";
-    QTest::newRow("reading") << "" << request.arg(1)
-                             << "label=-3.000 dBm; needSave=0; stored=2; boxes=0";
+    addRow("loss too long to save",
+           B("TestMode=LossMeter\nLossUnit=km\nLossLength=2\nReference850=-5"), B("850"), B("20"),
+           B("dBm"), "-12.500000 dB/km", "dBm", 0, "-12.50000 dB/km", "dB", "850", "20");
 }
 
-void TestOpmReading::scenario() { runScenario(); }
+void TestOpmReading::display()
+{
+    QFETCH(B, setup);
+    QFETCH(B, wavelength);
+    QFETCH(B, value);
+    QFETCH(B, unit);
+    QFETCH(QString, label);
+    QFETCH(QString, unitButton);
+    QFETCH(int, selected);
+    QFETCH(QString, savedValue);
+    QFETCH(QString, savedUnit);
+    QFETCH(QString, savedWave);
+    QFETCH(QString, capture);
+
+    PageFixture fx(setup);
+    fx.show("850", "-1");
+    fx.show(wavelength.constData(), value.constData(), unit.constData());
+    QCOMPARE(P::reading(fx.page), label);
+    QCOMPARE(P::readingColour(fx.page), QString("black"));
+    QCOMPARE(P::unitButton(fx.page), unitButton);
+    QCOMPARE(P::selector(fx.page, P::Wave)->currentIndex(), selected);
+    QCOMPARE(fieldText(P::result(fx.page).value), savedValue);
+    QCOMPARE(fieldText(P::result(fx.page).limitsUnit), savedUnit);
+    QCOMPARE(fieldText(P::result(fx.page).waveLenth), savedWave);
+    QCOMPARE(fieldText(P::capture(fx.page).value), capture);
+    QVERIFY(P::fieldsEnded(fx.page));
+}
+
+// Both limits inclusive, also when typed with decimals the float cannot hold exactly; with the
+// limits off the reading is black, still judged, and the bar spans -60..10.
+void TestOpmReading::verdict_data()
+{
+    addColumns<bool, B, B, B, QString, bool, QString, QString, int>(
+        "limits minimum maximum value colour pass verdict barRange barPercent");
+    addRow("at upper", true, B("-20"), B("-10"), B("-10"), "green", true, "YES", "-20.00..-10.00",
+           100);
+    addRow("above upper", true, B("-20"), B("-10"), B("-9.99"), "red", false, "NO",
+           "-20.00..-10.00", 100);
+    addRow("at lower", true, B("-20"), B("-10"), B("-20"), "green", true, "YES", "-20.00..-10.00",
+           0);
+    addRow("below lower", true, B("-20.5"), B("-10.25"), B("-20.501"), "red", false, "NO",
+           "-20.50..-10.25", 0);
+    addRow("inside, odd limits", true, B("-20.5"), B("-10.25"), B("-12.347"), "green", true, "YES",
+           "-20.50..-10.25", 79);
+    addRow("at decimal lower", true, B("-20.3"), B("-10.1"), B("-20.3"), "green", true, "YES",
+           "-20.30..-10.10", 0);
+    addRow("at decimal upper", true, B("-20.3"), B("-10.1"), B("-10.1"), "green", true, "YES",
+           "-20.30..-10.10", 100);
+    addRow("not a number", true, B("-20"), B("-10"), B("nan"), "red", false, "NO", "-20.00..-10.00",
+           0);
+    addRow("off, inside", false, B("-20"), B("-10"), B("-15"), "black", true, "YES",
+           "-60.00..10.00", 64);
+    addRow("off, outside", false, B("-20"), B("-10"), B("-5"), "black", false, "NO",
+           "-60.00..10.00", 78);
+}
+
+void TestOpmReading::verdict()
+{
+    QFETCH(bool, limits);
+    QFETCH(B, minimum);
+    QFETCH(B, maximum);
+    QFETCH(B, value);
+    QFETCH(QString, colour);
+    QFETCH(bool, pass);
+    QFETCH(QString, verdict);
+    QFETCH(QString, barRange);
+    QFETCH(int, barPercent);
+
+    PageFixture fx("PowerLimit=enable\nPowerLimitMinimum=" + minimum
+                   + "\nPowerLimitMaximum=" + maximum);
+    if (!limits)
+        P::click(fx.page, P::Limits);
+    fx.show("1550", value.constData());
+    QCOMPARE(P::readingColour(fx.page), colour);
+    QCOMPARE(P::pass(fx.page), pass);
+    QCOMPARE(fieldText(P::result(fx.page).pass), verdict);
+    QCOMPARE(P::barRange(fx.page), barRange);
+    QCOMPARE(P::bar(fx.page)->percent(), barPercent);
+}
+
+// The limits a save would store follow a limit entered between two ticks, down to its sign.
+void TestOpmReading::limitsOfASave()
+{
+    PageFixture fx;
+    fx.show("1550", "-12.34");
+    P::enter(fx.page, P::Min, "0");
+    P::tick(fx.page);
+    QCOMPARE(fieldText(P::result(fx.page).minimum), QString("0.000000"));
+    P::enter(fx.page, P::Min, "-0");
+    P::enter(fx.page, P::Max, "7.125");
+    P::tick(fx.page);
+    QCOMPARE(fieldText(P::result(fx.page).minimum), QString("-0.000000"));
+    QCOMPARE(fieldText(P::result(fx.page).maximum), QString("7.125000"));
+}
+
+// The selector and the reference follow the reader's wavelength if it is one of the five; the
+// switching tick still measures against the wavelength held before it. The reader is not told.
+void TestOpmReading::followsReader()
+{
+    PageFixture fx("TestMode=LossMeter\nReference850=-5\nReference1490=-3.25");
+    fx.show("1490", "-8.5");
+    P::tick(fx.page);
+    QCOMPARE(P::selector(fx.page, P::Wave)->currentIndex(), 2);
+    QCOMPARE(P::waveLength(fx.page), 2);
+    QCOMPARE(fieldText(P::result(fx.page).ref), QString("-3.25"));
+    QCOMPARE(P::reading(fx.page), QString("5.250000 dB"));
+    fx.show("980", "-9.75");
+    QCOMPARE(P::waveLength(fx.page), 2);
+    QCOMPARE(P::reading(fx.page), QString("6.500000 dB"));
+    QCOMPARE(fx.reader.record()->wavelenthTarget, 0);
+}
+
+// On hold the record is not read and the reader's save request waits; the title says so in
+// either mode.
+void TestOpmReading::hold_data()
+{
+    addColumns<int, bool, QString, QString, int, int>(
+        "mode released title label needSave stored"); // mode chosen while held; -1: none
+    addRow("held", -1, false, "Optical Power       \t      Hold", "-7.000 dBm", 1, 0);
+    addRow("held, Loss Meter", 1, false, "Loss Meter   Hold", "-7.000 dBm", 1, 0);
+    addRow("released, Loss Meter", 1, true, "Loss Meter", "3.000000 dB", 0, 1);
+    addRow("released", -1, true, "Optical Power", "-3.000 dBm", 0, 1);
+}
+
+void TestOpmReading::hold()
+{
+    QFETCH(int, mode);
+    QFETCH(bool, released);
+    QFETCH(QString, title);
+    QFETCH(QString, label);
+    QFETCH(int, needSave);
+    QFETCH(int, stored);
+
+    PageFixture fx;
+    fx.show("1310", "-7");
+    P::click(fx.page, P::Hold);
+    fx.reader.record()->needSave = 1;
+    fx.show("1310", "-3");
+    if (mode >= 0)
+        P::choose(fx.page, P::Mode, mode);
+    P::tick(fx.page);
+    if (released)
+        P::click(fx.page, P::Hold);
+    P::tick(fx.page);
+    QCOMPARE(P::title(fx.page), title);
+    QCOMPARE(P::reading(fx.page), label);
+    QCOMPARE(fx.reader.record()->needSave, needSave);
+    QCOMPARE(fx.stored(), stored);
+}
+
+// The last saved reading from the next tick on; its verdict with the limits on.
+void TestOpmReading::summary_data()
+{
+    addColumns<B, B, bool, QString>("setup wavelength tick summary"); // tick: after the save
+    const QString saved = "Last Saved - Loc#1 Wave length:%1 nm , Mode:Power Meter , "
+                          "Value:-12.346 dBm";
+    const B limits = "PowerLimit=enable\nPowerLimitMinimum=-60\nPowerLimitMaximum=";
+    addRow("at the save", B(), B("1550"), false, " ");
+    addRow("limits off", B(), B("1550"), true, saved.arg(1550));
+    addRow("limits on, pass", limits + "10", B("1550"), true, saved.arg(1550) + " , Pass:YES");
+    addRow("limits on, fail", limits + "-20", B("1550"), true, saved.arg(1550) + " , Pass:NO");
+    addRow("Latin-1 wavelength", B(), B("1\xe9\xb5"), true,
+           saved.arg(QString::fromLatin1("1\xe9\xb5")));
+}
+
+void TestOpmReading::summary()
+{
+    QFETCH(B, setup);
+    QFETCH(B, wavelength);
+    QFETCH(bool, tick);
+    QFETCH(QString, summary);
+
+    PageFixture fx(setup);
+    fx.show(wavelength.constData(), "-12.3456");
+    P::click(fx.page, P::Save);
+    if (tick)
+        P::tick(fx.page);
+    QCOMPARE(P::summary(fx.page), summary);
+}
+
+// Saves by the button or by the reader's request, the reader in one state from the second
+// reading on. Only a valid reading at the moment of the save is stored, twelve at most: each save
+// past the twelfth is refused with a box, and the reader's request is cleared all the same.
+void TestOpmReading::saving_data()
+{
+    addColumns<int, int, int, QString, QString, int, int, int>(
+        "presses requests flag label colour needSave stored boxes");
+    addRow("no reading", 1, 1, 0, "-7.000 dBm", "red", 1, 0, 0);
+    addRow("not connected", 1, 1, 2, "OPM Not Connected!", "red", 1, 0, 0);
+    addRow("state 3", 1, 1, 3, "-3.000 dBm", "black", 0, 0, 0);
+    addRow("reading", 1, 1, 1, "-3.000 dBm", "black", 0, 2, 0);
+    addRow("thirteenth save", 13, 0, 1, "-3.000 dBm", "black", 0, 12, 1);
+    addRow("request on every tick", 0, 14, 1, "-3.000 dBm", "black", 0, 12, 2);
+}
+
+void TestOpmReading::saving()
+{
+    QFETCH(int, presses);
+    QFETCH(int, requests);
+    QFETCH(int, flag);
+    QFETCH(QString, label);
+    QFETCH(QString, colour);
+    QFETCH(int, needSave);
+    QFETCH(int, stored);
+    QFETCH(int, boxes);
+
+    PageFixture fx;
+    fx.show("1310", "-7");
+    for (int i = 0; i < qMax(requests, 1); ++i) {
+        fx.reader.record()->needSave = i < requests;
+        fx.show("1310", "-3", "dBm", flag);
+    }
+    for (int i = 0; i < presses; ++i)
+        P::click(fx.page, P::Save);
+    QCOMPARE(P::reading(fx.page), label);
+    QCOMPARE(P::readingColour(fx.page), colour);
+    QCOMPARE(fx.reader.record()->needSave, needSave);
+    QCOMPARE(fx.stored(), stored);
+    QCOMPARE(fx.closer.count(), boxes);
+    if (boxes)
+        QCOMPARE(fx.closer.boxes().first(), QString("Warning: Exceeds max allowed results!"));
+}
 
 QTEST_MAIN(TestOpmReading)
 #include "tst_opmreading.moc"

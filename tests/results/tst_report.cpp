@@ -143,21 +143,25 @@ void TestReport::everyTable()
 // tables, each cell holding the text as it was.
 void TestReport::markupInTexts()
 {
-    const QString m = "<b>&\"x</td>";
-    ReportFixture fx("mac=00:1a:2b:3c:4d:5e\nsn=" + m.toLatin1() + '\n');
+    // Raw and escaped, "&lt;" reads differently; a byte above 0x7f stays one Latin-1 character.
+    const QString m = QString::fromLatin1("<b>&lt;\"x</td>\xb5");
+    const QString serial = m.left(14); // the EEPROM holds ASCII
+    ReportFixture fx("mac=00:1a:2b:3c:4d:5e\nsn=" + serial.toLatin1() + '\n');
     QVERIFY(fx.root.writeFile("/usr/local/brova/lib/vendor-info.txt",
                               "v Common <i>2.4</i> & \"x\" </td></tr>\n"));
     const QStringList times =
         storeResults(QStringList() << QString("Loss Meter|%1|%1|%1|%1|%1|%1|%1|%1").arg(m)
                                    << QString("%1|%1|%1|%1|%1|%1|%1").arg(m));
     fx.exportAs("markup");
+    QVERIFY(fx.root.readFile("/home/brova/brova-rslt/opm/markup.html")
+                .contains("\">&lt;b&gt;&amp;lt;&quot;x&lt;/td&gt;\xb5</td>"));
     QCOMPARE(parsedTables(fx.root.file("/home/brova/brova-rslt/opm/markup.html"))
                  .replace(times[0], "T")
                  .replace(times[1], "T"),
              "Software Version:|Common <i>2.4</i> & \"x\" </td></tr>\nMAC Address of Test "
              "Port:|00:1a:2b:3c:4d:5e\n"
              "Serial Number of Test Set:|"
-                 + m
+                 + serial
                  + "\n\nST|WaveLenth(nm)|Test Mode|Ref.(dBm)|Length|Minimum|Maximum|Value|Pass\n"
                    "T|"
                  + QString("%1|Loss Meter|%1|%1|%1%1|%1%1|%1|%1\n\nST|WaveLenth(nm)|Test "
@@ -168,8 +172,9 @@ void TestReport::markupInTexts()
 
 void TestReport::generalInformation_data()
 {
-    QTest::addColumn<QByteArray>("e2prom"); // null: no file
-    QTest::addColumn<QString>("rows"); // the cells after the date's row, joined by '|'
+    // e2prom: null: no file
+    // rows: the cells after the date's row, joined by '|'
+    addColumns<QByteArray, QString>("e2prom rows");
 
     const QString version = "Software Version:|Common 2.4.1\n";
     QTest::newRow("no EEPROM data") << QByteArray() << version;
@@ -204,10 +209,8 @@ void TestReport::generalInformation()
 
 void TestReport::version_data()
 {
-    QTest::addColumn<QByteArray>("vendor"); // null: no file
-    QTest::addColumn<int>("room");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("version");
+    // vendor: null: no file
+    addColumns<QByteArray, int, int, QByteArray>("vendor room status version");
 
     QTest::newRow("first line from Common on")
         << kVendor << 128 << 0 << QByteArray("Common 2.4.1\n");
@@ -243,8 +246,8 @@ void TestReport::version()
 
 void TestReport::names_data()
 {
-    QTest::addColumn<QString>("entry");
-    QTest::addColumn<QString>("file"); // "%STAMP%": the proposed date-and-time name
+    // file: "%STAMP%": the proposed date-and-time name
+    addColumns<QString, QString>("entry file");
 
     QTest::newRow("proposed name") << "%OK%"
                                    << "%STAMP%.html";

@@ -77,8 +77,7 @@ void TestResultPage::store()
 
 void TestResultPage::lines_data()
 {
-    QTest::addColumn<QStringList>("results");
-    QTest::addColumn<QStringList>("expected");
+    addColumns<QStringList, QStringList>("results expected");
 
     QTest::newRow("empty store") << QStringList() << QStringList();
     QTest::newRow("limits on and off")
@@ -87,21 +86,35 @@ void TestResultPage::lines_data()
         << (QStringList()
             << "Loc #1 , Wave length:1550 nm , Mode:Power Meter , Value:-12.345 dBm , Pass:YES"
             << "Loc #2 , Wave length:850 nm , Mode:Loss Meter , Value:2.750000 dB/km");
-    QStringList twelve, twelveLines;
-    for (int i = 1; i <= 12; ++i) {
-        twelve << QString("Power Meter|1625|-%1.000 dBm|").arg(i);
-        twelveLines << QString(
-                           "Loc #%1 , Wave length:1625 nm , Mode:Power Meter , Value:-%1.000 dBm")
-                           .arg(i);
-    }
-    QTest::newRow("twelve, oldest first") << twelve << twelveLines;
+    QStringList twelve;
+    for (int i = 1; i <= 12; ++i)
+        twelve << QString("Power Meter|1625|-%1.347 dBm|").arg(i);
+    QTest::newRow("twelve, oldest first")
+        << twelve
+        << (QStringList()
+            << "Loc #1 , Wave length:1625 nm , Mode:Power Meter , Value:-1.347 dBm"
+            << "Loc #2 , Wave length:1625 nm , Mode:Power Meter , Value:-2.347 dBm"
+            << "Loc #3 , Wave length:1625 nm , Mode:Power Meter , Value:-3.347 dBm"
+            << "Loc #4 , Wave length:1625 nm , Mode:Power Meter , Value:-4.347 dBm"
+            << "Loc #5 , Wave length:1625 nm , Mode:Power Meter , Value:-5.347 dBm"
+            << "Loc #6 , Wave length:1625 nm , Mode:Power Meter , Value:-6.347 dBm"
+            << "Loc #7 , Wave length:1625 nm , Mode:Power Meter , Value:-7.347 dBm"
+            << "Loc #8 , Wave length:1625 nm , Mode:Power Meter , Value:-8.347 dBm"
+            << "Loc #9 , Wave length:1625 nm , Mode:Power Meter , Value:-9.347 dBm"
+            << "Loc #10 , Wave length:1625 nm , Mode:Power Meter , Value:-10.347 dBm"
+            << "Loc #11 , Wave length:1625 nm , Mode:Power Meter , Value:-11.347 dBm"
+            << "Loc #12 , Wave length:1625 nm , Mode:Power Meter , Value:-12.347 dBm");
     // Every field at its full width: the line is cut at 99 characters.
     const QString w(15, 'W');
     QTest::newRow("full-width fields")
         << QStringList((QStringList() << w << w << w << w).join("|"))
-        << QStringList(QString("Loc #1 , Wave length:%1 nm , Mode:%1 , Value:%1 , Pass:%1")
-                           .arg(w)
-                           .left(99));
+        << QStringList("Loc #1 , Wave length:WWWWWWWWWWWWWWW nm , Mode:WWWWWWWWWWWWWWW , "
+                       "Value:WWWWWWWWWWWWWWW , Pass:WWWWW");
+    // Texts as they were saved, bytes above 0x7f and markup included.
+    QTest::newRow("Latin-1 and markup")
+        << QStringList(QString::fromLatin1("Loss Meter|13\xb5<&>|-1.5 d\xe9\"|"))
+        << QStringList(QString::fromLatin1(
+               "Loc #1 , Wave length:13\xb5<&> nm , Mode:Loss Meter , Value:-1.5 d\xe9\""));
 }
 
 void TestResultPage::lines()
@@ -124,7 +137,7 @@ void TestResultPage::lines()
     page.show();
     QCOMPARE(OpmPageProbe::lines(&page), expected);
 
-    OpmPageProbe::m_pClear(&page)->click();
+    OpmPageProbe::clear(&page)->click();
     QCOMPARE(OpmPageProbe::lines(&page), blank);
     QCOMPARE(CBrovaOpmDataEngine::getSingleInstance()->getResultItemCount(), 0);
 }

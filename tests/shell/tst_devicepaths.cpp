@@ -2,6 +2,8 @@
 // stand-alone program are, and looked for in the built product files themselves.
 #include "devicePaths.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QtTest>
 
@@ -15,12 +17,31 @@ private slots:
     void builtFiles();
 };
 
-// The set has one reader, at its fixed path; under a test's or the demo's root the reader is
-// killed by its path instead, so that they never kill each other's.
+// The set has one reader: the product kills it by its program's name wherever it was started
+// from (a test's or the demo's root kills by path instead, so that they never kill each other's).
+// The kill runs through a killall of the test's own, which only notes what it was asked.
 void TestDevicePaths::killsTheReaderByName()
 {
     QCOMPARE(deviceRoot(), "");
-    QCOMPARE(DevicePaths::killReaderCommand(), QByteArray("killall -9 lumenProbe"));
+    const QByteArray bin = QDir::tempPath().toLocal8Bit() + "/tst_devicepaths-"
+        + QByteArray::number(QCoreApplication::applicationPid());
+    QVERIFY(QDir().mkpath(bin));
+    QFile killall(bin + "/killall");
+    QVERIFY(killall.open(QIODevice::WriteOnly));
+    killall.write("#!/bin/sh\necho \"$@\" >\"$0.args\"\n");
+    killall.close();
+    killall.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", bin + ':' + path);
+    DevicePaths::runCommand(DevicePaths::killReaderCommand());
+    qputenv("PATH", path);
+    QFile args(bin + "/killall.args");
+    QVERIFY(args.open(QIODevice::ReadOnly));
+    const QByteArray asked = args.readAll().trimmed();
+    QVERIFY(killall.remove() && args.remove() && QDir().rmdir(bin));
+    QCOMPARE(asked.split(' ').last(),
+             QFileInfo(DevicePaths::readerProgram()).fileName().toLocal8Bit());
+    QVERIFY2(!asked.contains('/'), asked.constData());
 }
 
 void TestDevicePaths::builtFiles_data()

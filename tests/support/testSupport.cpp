@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QMap>
 #include <QMessageBox>
 #include <QStringList>
 #include <QWidget>
@@ -25,43 +26,48 @@
 #error "READER_STAND_IN_PATH names the reader stand-in program"
 #endif
 
-Keys facts(const QString& text)
+const char kSetupDefaults[] =
+    "Wavelength=850\nTestMode=PowerMeter\nUNIT=dB\nPowerLimit=disable\nPowerLimitMinimum=-60\n"
+    "PowerLimitMaximum=10\nLossUnit=db\nLossLength=1\nReference850=0\nReference1310=0\n"
+    "Reference1490=0\nReference1550=0\nReference1625=0\n";
+
+QStringList setupLines(const QByteArray& text)
 {
-    Keys keys;
-    const QStringList items = text.split(QLatin1Char(';'));
-    for (int i = 0; i < items.size(); ++i) {
-        const int eq = items[i].indexOf(QLatin1Char('='));
-        if (eq < 0)
-            continue;
-        QString value = items[i].mid(eq + 1).trimmed();
-        if (value.size() >= 2 && value.startsWith(QLatin1Char('\''))
-            && value.endsWith(QLatin1Char('\'')))
-            value = value.mid(1, value.size() - 2);
-        keys.insert(items[i].left(eq).trimmed(), value);
+    // Read as QSettings reads a text it wrote: without its quotes, a byte above 0x7f from \x and
+    // its hex digits.
+    QByteArray unquoted = text;
+    unquoted.replace('"', "");
+    QRegExp escaped("\\\\x([0-9a-f]{2})");
+    for (int at; (at = escaped.indexIn(QString::fromLatin1(unquoted))) >= 0;)
+        unquoted.replace(at, 4, QByteArray(1, char(escaped.cap(1).toInt(0, 16))));
+    QMap<QString, QString> keys;
+    const QList<QByteArray> lines = unquoted.split('\n');
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString line = QString::fromLatin1(lines[i]);
+        if (line.contains(QLatin1Char('=')))
+            keys.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1));
     }
-    return keys;
+    QStringList sorted;
+    for (QMap<QString, QString>::const_iterator it = keys.constBegin(); it != keys.constEnd(); ++it)
+        sorted << it.key() + QLatin1Char('=') + it.value();
+    return sorted;
 }
 
-const char kSetupDefaults[] =
-    "Wavelength=850; TestMode=PowerMeter; UNIT=dB; PowerLimit=disable;"
-    "PowerLimitMinimum=-60; PowerLimitMaximum=10; LossUnit=db; LossLength=1;"
-    "Reference850=0; Reference1310=0; Reference1490=0; Reference1550=0; Reference1625=0";
-
-Keys storedSetup()
+QStringList storedSetup()
 {
     QFile file(DevicePaths::settingFile());
-    const QString text =
-        file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    return facts(
-        text.section("[COpmSetup]\n", 1).section("\n[", 0, 0).replace('\n', ';').remove('"'));
+    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const int group = text.indexOf("[COpmSetup]\n");
+    QByteArray lines = group < 0 ? QByteArray() : text.mid(group + 12);
+    if (lines.contains("\n["))
+        lines.truncate(lines.indexOf("\n["));
+    return setupLines(lines);
 }
 
-QByteArray setupText(const Keys& keys)
+QString storedValue(const QString& key)
 {
-    QByteArray text = "[COpmSetup]\n";
-    for (Keys::const_iterator it = keys.constBegin(); it != keys.constEnd(); ++it)
-        text += it.key().toUtf8() + '=' + it.value().toUtf8() + '\n';
-    return text;
+    const QStringList lines = storedSetup().filter(QRegExp("^" + QRegExp::escape(key) + "="));
+    return lines.isEmpty() ? QString() : lines.first().section(QLatin1Char('='), 1);
 }
 
 namespace {

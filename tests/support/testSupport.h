@@ -6,26 +6,52 @@
 
 #include <QByteArray>
 #include <QList>
-#include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <cstdio>
 #include <functional>
 #include <memory>
 
-// Named facts of a test: written "name=value; name=value" ('value' in single quotes keeps its
-// blanks; of a name given twice, the later), compared as a map.
-typedef QMap<QString, QString> Keys;
-Keys facts(const QString& text);
+// Tables of typed columns, a line each: addColumns<QString, int>("label count") adds columns of
+// these names (blank between) and types, in order; addRow("tag", values...) adds a row (a string
+// literal, read as Latin-1, goes into a QString column).
+template <typename... T>
+void addColumns(const char* names)
+{
+    // QtTest keeps the names' addresses: they live as long as the process.
+    static QList<QByteArray> kept;
+    const QList<QByteArray> list = QByteArray(names).split(' ');
+    kept += list;
+    int i = 0;
+    const int added[] = { 0, (QTest::addColumn<T>(list.at(i++).constData()), 0)... };
+    (void)added;
+}
+template <typename T>
+const T& cellOf(const T& value)
+{
+    return value;
+}
+inline QString cellOf(const char* text) { return QString::fromLatin1(text); }
+template <typename... T>
+void addRow(const QString& tag, const T&... values)
+{
+    QTestData& row = QTest::newRow(qPrintable(tag));
+    const int added[] = { 0, (void(row << cellOf(values)), 0)... };
+    (void)added;
+}
 
-// The settings file as the set keeps it: its thirteen keys with their defaults, as facts (the
-// one table of them the tests have), the [COpmSetup] group of the file on disk as it is now
-// (QSettings would answer from its cache), and the text of a file holding the given keys.
+// The settings file as the set keeps it: its thirteen keys with their defaults (the one table
+// of them the tests have, as the file's lines); the lines of a setup text as "key=value", values
+// read as QSettings reads them, sorted by key (of a key given twice, the later); those of the
+// [COpmSetup] group on disk as it is now (QSettings would answer from its cache), and one key's
+// value there (null: no such key).
 extern const char kSetupDefaults[];
-Keys storedSetup();
-QByteArray setupText(const Keys& keys);
+QStringList storedSetup();
+QString storedValue(const QString& key);
+QStringList setupLines(const QByteArray& text);
 
 // A device root of the test's own: a temporary folder standing for "/", which is also the
 // working directory (so the shared-memory key is the test's own: the folder is chosen so that

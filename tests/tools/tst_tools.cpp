@@ -97,8 +97,7 @@ int TestTools::runShell(const QStringList& arguments)
 
 void TestTools::refusesPlugin_data()
 {
-    QTest::addColumn<QString>("plugin");
-    QTest::addColumn<QString>("reason");
+    addColumns<QString, QString>("plugin reason");
     QTest::newRow("older Qt") << FAKE_PLUGIN_WRONGVERSION << "Qt version \"4.7.0\"";
     QTest::newRow("other build key") << FAKE_PLUGIN_WRONGBUILDKEY << "build key";
     QTest::newRow("copies differ") << FAKE_PLUGIN_SECTIONDIFFERS << "differ";

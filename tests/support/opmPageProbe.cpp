@@ -1,0 +1,195 @@
+#include "opmPageProbe.h"
+
+#include "devicePaths.h"
+
+#include <cstring>
+
+namespace {
+
+// Each 16-byte field (of fields, size bytes in all) ends inside it.
+bool ended(const void* fields, size_t size)
+{
+    const char* bytes = static_cast<const char*>(fields);
+    bool all = true;
+    for (size_t at = 0; at < size; at += 16)
+        all = all && std::memchr(bytes + at, '\0', size - at < 16 ? size - at : 16);
+    return all;
+}
+
+void deliverDeletes() { QCoreApplication::sendPostedEvents(0, QEvent::DeferredDelete); }
+
+} // namespace
+
+QAbstractButton* OpmPageProbe::button(NerioOpm* p, Button b)
+{
+    QAbstractButton* const buttons[] = { p->m_pHold,   p->m_pSave,         p->m_pReference,
+                                         p->m_pdBm,    p->m_pmW,           p->m_puW,
+                                         p->m_pLimits, p->m_pReferenceSet, p->m_pReferenceCancel };
+    return buttons[b];
+}
+
+CComboBox* OpmPageProbe::selector(NerioOpm* p, Selector s)
+{
+    CComboBox* const selectors[] = { p->m_pWaveLength, p->m_pTestMode, p->m_pLossMeterUnit };
+    return selectors[s];
+}
+
+CLineEdit* OpmPageProbe::field(NerioOpm* p, Field f)
+{
+    CLineEdit* const fields[] = { p->m_pMinimum, p->m_pMaximum, p->m_pLossLength };
+    return fields[f];
+}
+
+void OpmPageProbe::click(NerioOpm* p, Button b)
+{
+    if (QAbstractButton* pressed = button(p, b))
+        pressed->click();
+    deliverDeletes();
+}
+
+void OpmPageProbe::choose(NerioOpm* p, Selector s, int index)
+{
+    selector(p, s)->setCurrentIndex(index);
+    QMetaObject::invokeMethod(selector(p, s), "activated", Q_ARG(int, index));
+    deliverDeletes();
+}
+
+void OpmPageProbe::enter(NerioOpm* p, Field f, const QString& text)
+{
+    field(p, f)->setText(text);
+    QMetaObject::invokeMethod(field(p, f), "textEdited", Q_ARG(QString, text));
+    deliverDeletes();
+}
+
+void OpmPageProbe::escape(NerioOpm* p)
+{
+    if (p->m_pReferenceDialog)
+        QTest::keyClick(p->m_pReferenceDialog, Qt::Key_Escape);
+    deliverDeletes();
+}
+
+void OpmPageProbe::closeDialog(NerioOpm* p)
+{
+    if (p->m_pReferenceDialog)
+        p->m_pReferenceDialog->close();
+    deliverDeletes();
+}
+
+void OpmPageProbe::tick(NerioOpm* p)
+{
+    QMetaObject::invokeMethod(p, "onTimer");
+    deliverDeletes();
+}
+
+QString OpmPageProbe::dialogText(NerioOpm* p)
+{
+    return p->m_pReferenceDialog ? p->m_pRefLabel2->text() + '\n' + p->m_pRefLabel3->text()
+                                 : QString();
+}
+
+int OpmPageProbe::openDialogs(NerioOpm* p)
+{
+    int open = 0;
+    foreach (const CDialog* dialog, p->findChildren<CDialog*>())
+        open += dialog->isVisible();
+    return open;
+}
+
+QString OpmPageProbe::layout(NerioOpm* p)
+{
+    QWidget* const modeWidgets[] = { p->m_pdBm,
+                                     p->m_pmW,
+                                     p->m_puW,
+                                     p->m_pReference,
+                                     p->m_pLossMeterUnit,
+                                     p->m_pLossLength,
+                                     p->m_pLabelLossLength,
+                                     p->m_pOpmRefLabel };
+    QString shown;
+    for (int i = 0; i < 8; ++i)
+        shown += modeWidgets[i]->isHidden() ? '-' : '+';
+    shown += QString(" %1/%2").arg(p->m_pLimits->minimumWidth()).arg(p->m_pLimits->maximumWidth());
+    return shown == "+++----- 190/190" ? "power" : shown == "---+++++ 120/120" ? "loss" : shown;
+}
+
+QString OpmPageProbe::enabled(NerioOpm* p)
+{
+    QWidget* const widgets[] = { p->m_pMinimum, p->m_pMaximum, p->m_pLossMeterUnit,
+                                 p->m_pLossLength };
+    const char* const names[] = { "min", "max", "lossUnit", "length" };
+    QStringList on;
+    for (int i = 0; i < 4; ++i) {
+        if (widgets[i]->isEnabled())
+            on << names[i];
+    }
+    return on.join(" ");
+}
+
+QString OpmPageProbe::references(NerioOpm* p)
+{
+    QStringList refs;
+    for (int i = 0; i < 5; ++i)
+        refs << fieldText(p->m_aWaveLengthRef[i]);
+    return refs.join(" ");
+}
+
+bool OpmPageProbe::fieldsEnded(NerioOpm* p)
+{
+    const OpmShareRecord* records[] = { &p->Opm, &p->m_sOpmRef };
+    bool all = fieldsEnded(p->m_result) && ended(p->m_aWaveLengthRef, sizeof p->m_aWaveLengthRef);
+    for (int i = 0; i < 2; ++i)
+        all = all && ended(records[i]->wavelenth, 8) && ended(records[i]->unit, 8)
+            && ended(records[i]->value, 16) && ended(records[i]->deviceType, 16);
+    return all;
+}
+
+bool OpmPageProbe::fieldsEnded(const Result& r)
+{
+    return ended(r.testMode, offsetof(Result, isLimit)) && std::memchr(r.time, '\0', sizeof r.time);
+}
+
+QStringList OpmPageProbe::lines(COpmShowResultPage* p)
+{
+    QStringList texts;
+    for (int i = 0; i < COpmShowResultPage::kLineCount; ++i)
+        texts << p->m_pSummary[i]->text();
+    return texts;
+}
+
+QString OpmPageProbe::colour(const QColor& c)
+{
+    const char* const names[][2] = { { "#ff0000", "red" },
+                                     { "#00ff00", "green" },
+                                     { "#000000", "black" },
+                                     { "#a0a0a4", "grey" },
+                                     { "#ffffff", "white" } };
+    for (int i = 0; i < 5; ++i) {
+        if (c.name() == names[i][0])
+            return names[i][1];
+    }
+    return c.name();
+}
+
+PageFixture::PageFixture(const QByteArray& setup, bool build) : page(0)
+{
+    CBrovaOpmDataEngine::getSingleInstance()->clearAllresultItem();
+    if (!setup.isEmpty())
+        root.writeFile("/home/Setting/opmSetup.conf", "[COpmSetup]\n" + setup + '\n');
+    if (build)
+        buildPage();
+}
+
+void PageFixture::buildPage(bool rebuild)
+{
+    delete page;
+    page = 0;
+    deliverDeletes();
+    if (rebuild)
+        page = new NerioOpm;
+}
+
+void PageFixture::show(const char* wavelength, const char* value, const char* unit, int flag)
+{
+    reader.setReading(wavelength, unit, value, flag);
+    OpmPageProbe::tick(page);
+}
