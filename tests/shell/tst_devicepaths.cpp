@@ -1,6 +1,7 @@
 // The product's device paths: linked with the product's own root, as the plug-in and the
 // stand-alone program are, and looked for in the built product files themselves.
 #include "devicePaths.h"
+#include "readerProcess.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -33,7 +34,7 @@ void TestDevicePaths::killsTheReaderByName()
     killall.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", bin + ':' + path);
-    DevicePaths::runCommand(DevicePaths::killReaderCommand());
+    ReaderProcess::runCommand(DevicePaths::killReaderCommand());
     qputenv("PATH", path);
     QFile args(bin + "/killall.args");
     QVERIFY(args.open(QIODevice::ReadOnly));
