@@ -69,15 +69,15 @@
     <name>QObject</name>
     <message>
         <source>Power Limits (mW)</source>
-        <translation>Leistungsgrenzen (mW)</translation>
+        <translation>Grenzwerte (mW)</translation>
     </message>
     <message>
         <source>Power Limits (uW)</source>
-        <translation>Leistungsgrenzen (uW)</translation>
+        <translation>Grenzwerte (uW)</translation>
     </message>
     <message>
         <source>Power Limits (dBm)</source>
-        <translation>Leistungsgrenzen (dBm)</translation>
+        <translation>Grenzwerte (dBm)</translation>
     </message>
     <message>
         <source>OPM Not Connected!</source>
@@ -97,7 +97,7 @@
     </message>
     <message>
         <source>Power Meter(OPM)</source>
-        <translation>Leistungsmesser (OPM)</translation>
+        <translation>Leistungsmesser</translation>
     </message>
     <message>
         <source>Loss Meter</source>
@@ -133,7 +133,7 @@
     </message>
     <message>
         <source>Loss Limits</source>
-        <translation>Dämpfungsgrenzen</translation>
+        <translation>Grenzwerte</translation>
     </message>
     <message>
         <source>File Name</source>

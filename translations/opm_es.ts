@@ -69,15 +69,15 @@
     <name>QObject</name>
     <message>
         <source>Power Limits (mW)</source>
-        <translation>Límites de potencia (mW)</translation>
+        <translation>Límites (mW)</translation>
     </message>
     <message>
         <source>Power Limits (uW)</source>
-        <translation>Límites de potencia (uW)</translation>
+        <translation>Límites (uW)</translation>
     </message>
     <message>
         <source>Power Limits (dBm)</source>
-        <translation>Límites de potencia (dBm)</translation>
+        <translation>Límites (dBm)</translation>
     </message>
     <message>
         <source>OPM Not Connected!</source>
@@ -89,15 +89,15 @@
     </message>
     <message>
         <source>Wavelength</source>
-        <translation>Longitud de onda</translation>
+        <translation>Long. de onda</translation>
     </message>
     <message>
         <source>Test Mode</source>
-        <translation>Modo de prueba</translation>
+        <translation>Modo prueba</translation>
     </message>
     <message>
         <source>Power Meter(OPM)</source>
-        <translation>Medidor de potencia (OPM)</translation>
+        <translation>Medidor de potencia</translation>
     </message>
     <message>
         <source>Loss Meter</source>
@@ -133,7 +133,7 @@
     </message>
     <message>
         <source>Loss Limits</source>
-        <translation>Límites de pérdida</translation>
+        <translation>Límites</translation>
     </message>
     <message>
         <source>File Name</source>

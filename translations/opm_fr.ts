@@ -69,15 +69,15 @@
     <name>QObject</name>
     <message>
         <source>Power Limits (mW)</source>
-        <translation>Seuils de puissance (mW)</translation>
+        <translation>Seuils (mW)</translation>
     </message>
     <message>
         <source>Power Limits (uW)</source>
-        <translation>Seuils de puissance (uW)</translation>
+        <translation>Seuils (uW)</translation>
     </message>
     <message>
         <source>Power Limits (dBm)</source>
-        <translation>Seuils de puissance (dBm)</translation>
+        <translation>Seuils (dBm)</translation>
     </message>
     <message>
         <source>OPM Not Connected!</source>
@@ -89,11 +89,11 @@
     </message>
     <message>
         <source>Wavelength</source>
-        <translation>Longueur d&apos;onde</translation>
+        <translation>Long. d&apos;onde</translation>
     </message>
     <message>
         <source>Test Mode</source>
-        <translation>Mode de mesure</translation>
+        <translation>Mode mesure</translation>
     </message>
     <message>
         <source>Power Meter(OPM)</source>
@@ -101,7 +101,7 @@
     </message>
     <message>
         <source>Loss Meter</source>
-        <translation>Mesure d&apos;affaiblissement</translation>
+        <translation>Affaiblissement</translation>
     </message>
     <message>
         <source>Hold</source>
@@ -117,7 +117,7 @@
     </message>
     <message>
         <source>Length (km)</source>
-        <translation>Longueur (km)</translation>
+        <translation>Long. (km)</translation>
     </message>
     <message>
         <source>Minimum</source>
@@ -133,7 +133,7 @@
     </message>
     <message>
         <source>Loss Limits</source>
-        <translation>Seuils d&apos;affaiblissement</translation>
+        <translation>Seuils</translation>
     </message>
     <message>
         <source>File Name</source>

@@ -69,15 +69,15 @@
     <name>QObject</name>
     <message>
         <source>Power Limits (mW)</source>
-        <translation>Пороги мощности (mW)</translation>
+        <translation>Пороги (mW)</translation>
     </message>
     <message>
         <source>Power Limits (uW)</source>
-        <translation>Пороги мощности (uW)</translation>
+        <translation>Пороги (uW)</translation>
     </message>
     <message>
         <source>Power Limits (dBm)</source>
-        <translation>Пороги мощности (dBm)</translation>
+        <translation>Пороги (dBm)</translation>
     </message>
     <message>
         <source>OPM Not Connected!</source>
@@ -97,7 +97,7 @@
     </message>
     <message>
         <source>Power Meter(OPM)</source>
-        <translation>Измеритель мощности</translation>
+        <translation>Изм. мощности</translation>
     </message>
     <message>
         <source>Loss Meter</source>
@@ -133,7 +133,7 @@
     </message>
     <message>
         <source>Loss Limits</source>
-        <translation>Пороги потерь</translation>
+        <translation>Пороги</translation>
     </message>
     <message>
         <source>File Name</source>
