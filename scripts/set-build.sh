@@ -114,6 +114,8 @@ if ! $runs_i386; then
 fi
 
 export LD_LIBRARY_PATH=$qt/lib QT_QWS_FONTDIR=$qt/lib/fonts
+# Qt for Embedded Linux has no fontconfig: the Chinese glyphs must be in its font folder.
+cp -u /usr/share/fonts/truetype/wqy/wqy-microhei.ttc "$QT_QWS_FONTDIR/"
 # A display number of its own for every program: the VNC port 5900+N and /tmp/qtembedded-N free.
 next_display() {
     python3 - "${1:-20}" <<'PY'

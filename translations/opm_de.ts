@@ -5,7 +5,7 @@
     <name>COpmMainPage</name>
     <message>
         <source>Setup</source>
-        <translation>Einstellungen</translation>
+        <translation>Einstellung</translation>
     </message>
     <message>
         <source>Result</source>

@@ -5,7 +5,7 @@
     <name>COpmMainPage</name>
     <message>
         <source>Setup</source>
-        <translation>Configuración</translation>
+        <translation>Ajustes</translation>
     </message>
     <message>
         <source>Result</source>

@@ -5,7 +5,7 @@
     <name>COpmMainPage</name>
     <message>
         <source>Setup</source>
-        <translation>Configuration</translation>
+        <translation>Réglages</translation>
     </message>
     <message>
         <source>Result</source>

@@ -113,7 +113,7 @@
     </message>
     <message>
         <source>Reference</source>
-        <translation>Опорный ур.</translation>
+        <translation>Опорный</translation>
     </message>
     <message>
         <source>Length (km)</source>

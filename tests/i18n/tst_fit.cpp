@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStyleOption>
+#include <QTabBar>
 #include <QTranslator>
 #include <QtTest>
 
@@ -65,27 +66,19 @@ struct FitCheck
     // needed and room in pixels, along the one direction that matters for the widget.
     void fit(const QString& text, int needed, int room, const char* what, bool fixed = true)
     {
-        if (text.trimmed().isEmpty())
-            return;
-        const QString origin = translator->origins.value(text, QLatin1String("(untranslated)"));
-        if (needed > room)
-            note(QString::fromLatin1("%1: %2 as \"%3\" in %4: %5 px over its %6 px")
-                     .arg(lang, origin, text, QLatin1String(what))
-                     .arg(needed - room)
-                     .arg(room));
+        const QString found = QString::fromLatin1("\"%1\" in %2: %3 px, room %4 px")
+                                  .arg(text, QLatin1String(what))
+                                  .arg(needed)
+                                  .arg(room);
+        if (needed > room && !text.trimmed().isEmpty() && !failures.contains(found))
+            failures << lang + QLatin1String(": ")
+                    + translator->origins.value(text, QLatin1String("(untranslated)"))
+                    + QLatin1String(" as ") + found
+                    + QString::fromLatin1(", %1 px over").arg(needed - room);
         if (fixed && room > 0 && double(needed) / room > widest) {
             widest = double(needed) / room;
-            widestText = QString::fromLatin1("\"%1\" %2 of %3 px (%4)")
-                             .arg(text)
-                             .arg(needed)
-                             .arg(room)
-                             .arg(QLatin1String(what));
+            widestText = found;
         }
-    }
-    void note(const QString& failure)
-    {
-        if (!failures.contains(failure))
-            failures << failure;
     }
     void label(QLabel* l)
     {
@@ -116,6 +109,14 @@ struct FitCheck
         fit(b->text(), advance(b->fontMetrics(), b->text()), room.width(),
             box ? "check box" : "button", box);
     }
+    void tabs(QTabBar* bar)
+    {
+        QFont bold = bar->font(); // the toolkit's tabs: bold, 12 px padding each side, 2 px apart
+        bold.setBold(true);
+        for (int i = 0; i < bar->count(); ++i)
+            fit(bar->tabText(i), advance(QFontMetrics(bold), bar->tabText(i)),
+                bar->tabRect(i).width() - 26, "tab", false);
+    }
     void combo(QComboBox* c)
     {
         QStyleOptionComboBox option;
@@ -138,6 +139,8 @@ struct FitCheck
                 button(b);
             else if (QComboBox* c = qobject_cast<QComboBox*>(w))
                 combo(c);
+            else if (QTabBar* t = qobject_cast<QTabBar*>(w))
+                tabs(t);
         }
     }
 };
@@ -186,14 +189,9 @@ private slots:
     void everyTextFits_data()
     {
         QTest::addColumn<QString>("lang");
-        foreach (const char* lang,
-                 QList<const char*>() << "en"
-                                      << "de"
-                                      << "es"
-                                      << "fr"
-                                      << "ru"
-                                      << "zh_CN")
-            QTest::newRow(lang) << QString::fromLatin1(lang);
+        foreach (const QString& lang,
+                 QString::fromLatin1("en de es fr ru zh_CN").split(QLatin1Char(' ')))
+            QTest::newRow(qPrintable(lang)) << lang;
     }
     void everyTextFits()
     {
@@ -220,11 +218,8 @@ private slots:
         fits.check(page);
         QAbstractButton* hold = withText<QAbstractButton>(page, QObject::tr("Hold"));
         QVERIFY(hold);
-        foreach (const char* unit,
-                 QList<const char*>() << "mW"
-                                      << "uW"
-                                      << "dBm") {
-            withText<QAbstractButton>(page, QLatin1String(unit))->click();
+        foreach (const QString& unit, QString::fromLatin1("mW uW dBm").split(QLatin1Char(' '))) {
+            withText<QAbstractButton>(page, unit)->click();
             fits.check(page);
         }
         hold->click();
@@ -244,7 +239,7 @@ private slots:
         fits.check(dialog);
         withText<QAbstractButton>(dialog, QObject::tr("Cancel"))->click();
 
-        // From here on every box is modal. Of the keypad, the title is ours; its keys are the toolkit's.
+        // From here on every box is modal. Of the keypad the title is ours, the keys the toolkit's.
         ModalBoxCloser closer;
         closer.handler = [&fits](QWidget* box) {
             QLabel* title = box->findChild<QLabel*>(QLatin1String("title"));
