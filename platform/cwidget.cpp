@@ -1,5 +1,6 @@
 #include "cwidget.h"
 
+#include <QEvent>
 #include <QPainter>
 
 CWidget::CWidget(QWidget* parent, Qt::WindowFlags flags)
@@ -21,6 +22,13 @@ void CWidget::setWidth(int width) { resize(width, height()); }
 void CWidget::setHeight(int height) { resize(width(), height); }
 void CWidget::clientWndStateChanged(int) { }
 void CWidget::translate() { }
+
+void CWidget::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange)
+        translate();
+}
 void CWidget::updateWidgetStyle() { update(); }
 
 void CWidget::updateWindow(bool repaintNow)

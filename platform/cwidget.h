@@ -46,6 +46,8 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent* event);
+    // A language change retranslates through translate(), as the set's toolkit does.
+    void changeEvent(QEvent* event);
 
 private:
     QColor m_backgroundColor;

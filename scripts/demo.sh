@@ -7,12 +7,22 @@
 # With --qt4 it builds against Qt 4.8.4, the set's toolkit (../shared/qt4, or QT4_DIR), in
 # build-qt4/, and the shell stand-in loads the plug-in through Qt 4's QPluginLoader; headless
 # it runs under xvfb-run, as Qt 4 has no offscreen platform.
+# With --lang CODE (de, es, fr, ru, zh_CN) the shell stand-in installs the plug-in's translation
+# before the start, as the set's shell does for its language.
 #   BUILD_DIR   build folder (default: ./build of the checkout, ./build-qt4 with --qt4)
 set -euo pipefail
 
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 qt4=false
-[[ ${1:-} == --qt4 ]] && qt4=true
+lang=()
+while [[ $# -gt 0 ]]; do
+    case $1 in
+        --qt4) qt4=true ;;
+        --lang) lang=(--lang "${2:?--lang needs a language code}"); shift ;;
+        *) echo "demo: unknown option $1 (--qt4, --lang CODE)" >&2; exit 2 ;;
+    esac
+    shift
+done
 build_dir=${BUILD_DIR:-$source_dir/build}
 $qt4 && build_dir=${BUILD_DIR:-$source_dir/build-qt4}
 build_dir=$(mkdir -p "$build_dir" && cd "$build_dir" && pwd)
@@ -90,7 +100,7 @@ if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
     helpers+=($!)
     # Four saved readings, then F1: the keypad proposes a name, the operator types "route-7"
     # and confirms; Ctrl+Tab opens the Result tab.
-    "${headless[@]}" "$shell" --plugin "$plugin" --autostart \
+    "${headless[@]}" "$shell" --plugin "$plugin" "${lang[@]}" --autostart \
         --screenshot-at "2:$screens/1-started.png" \
         --screenshot-at "5.9:$screens/2-saved-850.png" \
         --screenshot-at "11.5:$screens/3-saved-1550.png" \
@@ -110,5 +120,5 @@ if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
     echo "demo: report $report"
     echo "demo: screenshots in $screens"
 else
-    "${shown[@]}" "$shell" --plugin "$plugin" --autostart
+    "${shown[@]}" "$shell" --plugin "$plugin" "${lang[@]}" --autostart
 fi

@@ -114,6 +114,8 @@ if ! $runs_i386; then
 fi
 
 export LD_LIBRARY_PATH=$qt/lib QT_QWS_FONTDIR=$qt/lib/fonts
+# Qt for Embedded Linux has no fontconfig: the Chinese glyphs must be in its font folder.
+cp -u /usr/share/fonts/truetype/wqy/wqy-microhei.ttc "$QT_QWS_FONTDIR/"
 # Under emulation an exec from an emulated program is the host kernel's own: the PC's 64-bit
 # /bin/sh that system() starts cannot run a 32-bit reader or take a 32-bit LD_PRELOAD library,
 # and a 32-bit program cannot be exec'd at all without binfmt. So the programs the plug-in

@@ -7,7 +7,9 @@ packages=(
     cmake make g++ pkg-config
     clang-format        # the format check (Debian 12: clang-format 14)
     qtbase5-dev qtbase5-dev-tools
+    qttools5-dev-tools  # lupdate and lrelease: the translations (for the Qt 4 builds too)
     fonts-dejavu-core   # offscreen text needs a real font
+    fonts-wqy-microhei  # Simplified Chinese glyphs (X11, offscreen, and the set build's font folder)
     psmisc              # killall, used to stop the power reader
     procps
     python3-html5lib    # the report test reads reports back as a browser would

@@ -6,10 +6,12 @@
 #include "utilinterface.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QKeySequence>
 #include <QSocketNotifier>
 #include <QStringList>
 #include <QTimer>
+#include <QTranslator>
 
 #include <csignal>
 #include <cstdio>
@@ -52,6 +54,27 @@ void singleShot(int ms, QObject* receiver, const char* slot)
 #endif
 }
 
+// The plug-in's texts in another language, as the set's shell installs them: opm_<code>.qm from
+// the plug-in's folder; "en" the texts as written. The page retranslates on the change event.
+bool useLanguage(const QString& pluginPath, const QString& code)
+{
+    static QTranslator* s_translator = nullptr;
+    if (s_translator)
+        QCoreApplication::removeTranslator(s_translator);
+    if (code == QLatin1String("en"))
+        return true;
+    if (!s_translator)
+        s_translator = new QTranslator(qApp);
+    const QString folder = QFileInfo(pluginPath).absolutePath();
+    if (!s_translator->load(QLatin1String("opm_") + code, folder)) {
+        std::fprintf(stderr, "opmshell: no translation opm_%s.qm in %s\n", qPrintable(code),
+                     qPrintable(folder));
+        return false;
+    }
+    QCoreApplication::installTranslator(s_translator);
+    return true;
+}
+
 // One timed screenshot or key press of the command line.
 class TimedAction : public QObject
 {
@@ -64,12 +87,16 @@ public:
 
     QString screenshot;
     QKeySequence key;
+    QString language;
+    QString plugin;
     static bool s_screenshotsSaved;
 
 private slots:
     void onTime()
     {
-        if (!screenshot.isEmpty())
+        if (!language.isEmpty())
+            useLanguage(plugin, language);
+        else if (!screenshot.isEmpty())
             s_screenshotsSaved = m_frame->saveScreenshot(screenshot) && s_screenshotsSaved;
         else
             m_frame->pressKey(key);
@@ -156,6 +183,8 @@ int main(int argc, char** argv)
         return 1;
     }
     printIdentity(options.plugin, loader.utilInterface());
+    if (!options.language.isEmpty() && !useLanguage(options.plugin, options.language))
+        return 1;
     quitOnSignals(&app);
 
     int status = 0;
@@ -170,6 +199,11 @@ int main(int argc, char** argv)
             (new TimedAction(shot.seconds, &frame))->screenshot = shot.file;
         for (const ShellOptions::KeyPress& press : options.keys)
             (new TimedAction(press.seconds, &frame))->key = press.key;
+        for (const ShellOptions::LanguageSwitch& change : options.languageSwitches) {
+            TimedAction* action = new TimedAction(change.seconds, &frame);
+            action->language = change.code;
+            action->plugin = options.plugin;
+        }
         if (options.quitAfter >= 0)
             singleShot(milliseconds(options.quitAfter), &app, SLOT(quit()));
         status = app.exec();

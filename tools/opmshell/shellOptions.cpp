@@ -39,6 +39,15 @@ bool parseKeyAt(const QString& text, ShellOptions::KeyPress* press)
     return parseSeconds(text.left(colon), &press->seconds);
 }
 
+bool parseLanguageAt(const QString& text, ShellOptions::LanguageSwitch* change)
+{
+    const int colon = text.indexOf(QLatin1Char(':'));
+    if (colon <= 0 || colon == text.size() - 1)
+        return false;
+    change->code = text.mid(colon + 1);
+    return parseSeconds(text.left(colon), &change->seconds);
+}
+
 namespace {
 
 // The options, for the help text and for telling those with a value from those without.
@@ -60,6 +69,12 @@ const OptionSpec kOptions[] = {
       "Press and release a key at that moment, as the set's keys do: to the focus widget of "
       "the active modal window, else of the active window. KEY as Qt writes it (F1, Return, "
       "Ctrl+Tab, S, -); may be given several times." },
+    { "lang", "code",
+      "Install the plug-in's translation opm_CODE.qm (from the plug-in's folder) before the "
+      "start, as the set's shell does for its language (de, es, fr, ru, zh_CN; en: none)." },
+    { "lang-at", "seconds:code",
+      "Switch to that language at that moment, while the page runs; may be given several "
+      "times." },
     { "quit-after", "seconds", "Stop, terminate and quit after that long." },
     { "autostart", 0, "Start the plug-in at once." },
 };
@@ -166,6 +181,17 @@ bool ShellOptions::parse(const QStringList& arguments, QString* error)
             return false;
         }
         keys.append(press);
+    }
+    const QStringList lang = values.value(QString::fromLatin1("lang"));
+    if (!lang.isEmpty())
+        language = lang.last();
+    for (const QString& value : values.value(QString::fromLatin1("lang-at"))) {
+        LanguageSwitch change;
+        if (!parseLanguageAt(value, &change)) {
+            *error = QString::fromLatin1("bad --lang-at \"%1\" (want seconds:code)").arg(value);
+            return false;
+        }
+        languageSwitches.append(change);
     }
     return true;
 }

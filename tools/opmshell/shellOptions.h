@@ -25,6 +25,13 @@ struct ShellOptions
     QString plugin;
     QList<Screenshot> screenshots;
     QList<KeyPress> keys;
+    struct LanguageSwitch
+    {
+        double seconds;
+        QString code; // opm_<code>.qm beside the plug-in; "en": the texts as written
+    };
+    QString language; // installed before the start; empty: as written
+    QList<LanguageSwitch> languageSwitches;
     double quitAfter = -1; // seconds; negative: run until closed
     bool autostart = false;
     QString helpText; // set when --help was asked for
@@ -39,5 +46,8 @@ bool parseSeconds(const QString& text, double* seconds);
 bool parseScreenshotAt(const QString& text, ShellOptions::Screenshot* shot);
 // "3:F1", "4.5:Ctrl+Tab"
 bool parseKeyAt(const QString& text, ShellOptions::KeyPress* press);
+
+// "3:zh_CN"
+bool parseLanguageAt(const QString& text, ShellOptions::LanguageSwitch* change);
 
 #endif // SHELLOPTIONS_H

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QStringList>
+#include <QTranslator>
 
 #include <cstdio>
 #include <cstring>
@@ -17,7 +18,7 @@ const ShotMode kModes[] = {
 
 int usage()
 {
-    fprintf(stderr, "usage: opmshots [--scale N] MODE DIR\nmodes:\n");
+    fprintf(stderr, "usage: opmshots [--scale N] [--lang CODE] MODE DIR\nmodes:\n");
     for (const ShotMode& mode : kModes)
         fprintf(stderr, "  %-14s %s\n", mode.option, mode.description);
     return 2;
@@ -43,11 +44,22 @@ int main(int argc, char* argv[])
 
     QStringList args = app.arguments().mid(1);
     ShotOptions options;
-    if (args.size() >= 2 && args.at(0) == QLatin1String("--scale")) {
-        bool ok = false;
-        options.scale = args.at(1).toInt(&ok);
-        if (!ok || options.scale < 1 || options.scale > 16)
-            return usage();
+    QTranslator translator;
+    while (args.size() >= 2 && args.at(0).startsWith(QLatin1String("--"))) {
+        if (args.at(0) == QLatin1String("--scale")) {
+            bool ok = false;
+            options.scale = args.at(1).toInt(&ok);
+            if (!ok || options.scale < 1 || options.scale > 16)
+                return usage();
+        } else if (args.at(0) == QLatin1String("--lang")) {
+            // The plug-in's translation as the build made it (de, es, fr, ru, zh_CN).
+            options.lang = args.at(1);
+            if (!translator.load(QLatin1String("opm_") + options.lang, QLatin1String(OPM_QM_DIR)))
+                return usage();
+            app.installTranslator(&translator);
+        } else {
+            break;
+        }
         args = args.mid(2);
     }
     const ShotMode* mode = args.size() == 2 ? findMode(args.at(0)) : nullptr;

@@ -29,8 +29,9 @@ struct SetupPage
         file.close();
         tabs.resize(658, 398);
         page = new NerioOpm(&tabs);
-        tabs.addTab(page, "Setup");
-        tabs.addTab(new COpmShowResultPage(&tabs), "Result");
+        tabs.addTab(page, QCoreApplication::translate("COpmMainPage", "Setup"));
+        tabs.addTab(new COpmShowResultPage(&tabs),
+                    QCoreApplication::translate("COpmMainPage", "Result"));
         tabs.show();
     }
     // The reader shows value at wavelength, and the page polls it twice.
@@ -94,7 +95,7 @@ int shootSetup(const ShotOptions& options)
     {
         SetupPage setup(limits + "Wavelength=1310\nTestMode=LossMeter\nReference1310=-2.9\n");
         setup.show("1310", "-3.05");
-        if (CPushButton* reference = setup.button("Reference"))
+        if (CPushButton* reference = setup.button(QObject::tr("Reference")))
             reference->click();
         CDialog* dialog = setup.page->findChild<CDialog*>();
         failures += !dialog || !saveShot(*dialog, options, "setup-reference-dialog.png");

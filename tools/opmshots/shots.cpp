@@ -16,7 +16,10 @@ bool saveShot(QWidget& widget, const ShotOptions& options, const QString& fileNa
     if (options.scale > 1)
         image = image.scaled(image.size() * options.scale, Qt::IgnoreAspectRatio,
                              Qt::FastTransformation);
-    const QString path = options.dir.filePath(fileName);
+    QString name = fileName;
+    if (!options.lang.isEmpty())
+        name.insert(name.lastIndexOf(QLatin1Char('.')), QLatin1Char('-') + options.lang);
+    const QString path = options.dir.filePath(name);
     if (!image.save(path, "PNG")) {
         fprintf(stderr, "opmshots: cannot write %s\n", qPrintable(path));
         return false;

@@ -10,6 +10,7 @@ struct ShotOptions
 {
     QDir dir; // where the PNG files go
     int scale = 3; // each pixel becomes scale x scale pixels, so that details can be seen
+    QString lang; // the plug-in's translation opm_<lang>.qm, and "-<lang>" in each file name
 };
 
 // One kind of picture, chosen by its option on the command line. A new kind is a function in a
