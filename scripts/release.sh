@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Makes the set's bundle from the set build (32-bit x86, Qt 4.8.4 for Embedded Linux):
 # opm-<version>-i386-qt4.8.4.tar.gz with the plug-in, the stand-alone program, the
-# translations when the project has them, a MANIFEST (size and SHA-256 of every file, and the
+# translations (opm_<code>.qm), a MANIFEST (size and SHA-256 of every file, and the
 # commit) and an INSTALL note. Only the product's targets are built, in build-release/.
 # Two runs on one commit give the same bytes, from any folder and at any time
 # (docs/release.md): the commit's time stands for every time, no build path or owner gets in.
@@ -40,13 +40,8 @@ set_configure "$build_dir" "$qt4_dir" \
     "-ffile-prefix-map=$source_dir/= -ffile-prefix-map=$build_dir/=build/ -Wdate-time" \
     -DBUILD_TESTING=OFF -DCMAKE_SKIP_RPATH=ON -DCMAKE_INSTALL_LIBDIR=lib -DCMAKE_INSTALL_BINDIR=bin
 
-# The product's targets only; the translations' target where the project has one (grep reads
-# the whole list: a closed pipe would fail the pipeline).
-targets=(opmplugin opm)
-if cmake --build "$build_dir" --target help | grep -x '\.\.\. translations' >/dev/null; then
-    targets+=(translations)
-fi
-cmake --build "$build_dir" -j "$(nproc)" --target "${targets[@]}" >&2
+# The product's targets only, and the translations.
+cmake --build "$build_dir" -j "$(nproc)" --target opmplugin opm opm_translations >&2
 
 stage=$build_dir/stage
 rm -rf "$stage"
@@ -55,11 +50,7 @@ install_component() {
     cmake --install "$build_dir" --prefix "$stage/$name" --component "$1" --strip >/dev/null
 }
 install_component product
-# Translations made by a target of another name: build everything once, then install them.
-if ! install_component translations 2>/dev/null; then
-    cmake --build "$build_dir" -j "$(nproc)" >&2
-    install_component translations
-fi
+install_component translations
 
 # INSTALL: where each file goes on the set, and what the set brings itself.
 {
