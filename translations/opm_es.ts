@@ -89,7 +89,7 @@
     </message>
     <message>
         <source>Wavelength</source>
-        <translation>Long. de onda</translation>
+        <translation>Long. onda</translation>
     </message>
     <message>
         <source>Test Mode</source>
