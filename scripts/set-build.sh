@@ -3,13 +3,14 @@
 # ../shared/qt4 (unpacked inside build-set/), C++98, Release; the plug-in and libraries linked
 # with -Wl,--no-undefined. Then checks the plug-in file with readelf, nm and objcopy, and runs
 # the suites and the shell stand-in, each as its own QWS server on the VNC driver, and saves a
-# screenshot of the page as the set draws it. Where the kernel runs no 32-bit program they run
+# screenshot of the page as the set draws it, in English and in Simplified Chinese. Where the kernel runs no 32-bit program they run
 # under qemu-i386 (Debian's qemu-user); the programs the plug-in starts through the shell (the
 # reader, the slow-start library) are then built for this PC in build-set/host, since the
-# PC's own /bin/sh runs them (see docs/set-build.md).
+# PC's own /bin/sh runs them (see docs/release.md).
 #   SET_BUILD_DIR   build folder (default: build-set)
 #   QT4_I386_DIR    an unpacked Qt 4.8.4 for i386 to use instead of the tarball
-#   SET_SCREENSHOT  where the screenshot goes (default: <build folder>/set-page.png)
+#   SET_SCREENSHOT  where the screenshot goes (default: <build folder>/set-page.png; the Chinese
+#                   one beside it, named *-zh_CN.png)
 #   SET_JOBS        suites run at once (default: the number of CPUs)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -215,13 +216,22 @@ echo "set-build: i386 QWS suites ($i386_runner): $suites_passed passed," \
 source scripts/demoRoot.sh
 stop_demo_on_exit
 prepare_root
-display=$(next_display "$display")
-rm -f "$screenshot"
-(cd "$root" && QWS_DISPLAY="VNC:size=800x480:depth=32:$display" timeout $((60 * slower)) \
-    "${i386_run[@]}" "$(i386_program "$build_dir/tools/opmshell/opmshell")" --plugin "$build_dir/src/libopmplugin_demo.so" \
-    --autostart --screenshot-at "3.5:$screenshot" --quit-after 4) >"$build_dir/opmshell.log" 2>&1 \
-    && [[ -s $screenshot ]] && grep -q "start -> true" "$build_dir/opmshell.log" \
-    && echo "set-build: i386 QWS shell: plug-in loaded through QPluginLoader, screenshot $screenshot" \
-    || { cat "$build_dir/opmshell.log"; echo "set-build: FAIL i386 QWS shell"; suites_failed+=(opmshell); }
+# shell_shot <screenshot> [shell option...]
+shell_shot() {
+    local shot=$1
+    shift
+    display=$(next_display "$display")
+    rm -f "$shot"
+    (cd "$root" && QWS_DISPLAY="VNC:size=800x480:depth=32:$display" timeout $((60 * slower)) \
+        "${i386_run[@]}" "$(i386_program "$build_dir/tools/opmshell/opmshell")" \
+        --plugin "$build_dir/src/libopmplugin_demo.so" "$@" \
+        --autostart --screenshot-at "3.5:$shot" --quit-after 4) >"$build_dir/opmshell.log" 2>&1 \
+        && [[ -s $shot ]] && grep -q "start -> true" "$build_dir/opmshell.log" \
+        && echo "set-build: i386 QWS shell${*:+ $*}: plug-in loaded through QPluginLoader, screenshot $shot" \
+        || { cat "$build_dir/opmshell.log"; echo "set-build: FAIL i386 QWS shell${*:+ $*}"; suites_failed+=(opmshell); }
+    display=$((display + 1))
+}
+shell_shot "$screenshot"
+shell_shot "${screenshot%.png}-zh_CN.png" --lang zh_CN
 
 [[ ${#suites_failed[@]} -eq 0 ]]
