@@ -2,6 +2,7 @@
 // cast, start() inside a host frame; then waits until the Setup tab shows the reading the
 // record holds. Used by scripts/install-test.sh on the unpacked bundle.
 //   opminstallhost <plug-in file> <reading text> [time limit in ms]
+#include "readingLabel.h"
 #include "utilinterface.h"
 
 #include <QApplication>
@@ -14,19 +15,6 @@
 #include <cstdio>
 
 namespace {
-
-// The visible label of the Setup tab that shows text, if any.
-QLabel* readingLabel(QWidget* window, const QString& text)
-{
-    QTabWidget* tabs = window->findChild<QTabWidget*>();
-    if (!tabs || tabs->tabText(tabs->currentIndex()) != QLatin1String("Setup"))
-        return 0;
-    foreach (QLabel* label, tabs->currentWidget()->findChildren<QLabel*>()) {
-        if (label->text() == text && label->isVisible())
-            return label;
-    }
-    return 0;
-}
 
 int fail(const QString& why)
 {

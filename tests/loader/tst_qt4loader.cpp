@@ -1,5 +1,6 @@
 // The plug-in as the set's shell takes it: through Qt 4's own QPluginLoader, with its checks of
 // version, build key and verification data, then driven by a host frame through UtilInterface.
+#include "readingLabel.h"
 #include "testSupport.h"
 #include "utilinterface.h"
 
@@ -26,7 +27,6 @@ private slots:
     void hostDrivesPlugin();
 
 private:
-    QLabel* readingLabel(QWidget* window, const QString& text) const;
 };
 
 // The product file itself: loaded and cast, never started (it would work on the set's paths). Its
@@ -39,18 +39,6 @@ void TestQt4Loader::productPluginLoads()
     QVERIFY(root);
     QCOMPARE(QByteArray(root->metaObject()->className()), QByteArray("NerioOpmPlugin"));
     QVERIFY(qobject_cast<UtilInterface*>(root));
-}
-
-QLabel* TestQt4Loader::readingLabel(QWidget* window, const QString& text) const
-{
-    QTabWidget* tabs = window->findChild<QTabWidget*>();
-    if (!tabs || tabs->tabText(tabs->currentIndex()) != QLatin1String("Setup"))
-        return 0;
-    foreach (QLabel* label, tabs->currentWidget()->findChildren<QLabel*>()) {
-        if (label->text() == text && label->isVisible())
-            return label;
-    }
-    return 0;
 }
 
 // Start shows the page in the host's frame and a reading appears; stop hides it and ends the
