@@ -137,15 +137,10 @@ void COpmMainPage::saveOpmResult()
         return;
     const QByteArray path = (dir + QLatin1Char('/') + name + QLatin1String(".html")).toLocal8Bit();
 
-    FILE* html = fopen(path.constData(), "w+");
-    if (!html) {
-        puts("opm create save result file error ");
-        return;
-    }
     std::list<Result> results;
     CBrovaOpmDataEngine::getSingleInstance()->getAllResultItem(results);
-    opmWriteReport(html, results, *m_pE2promserv);
-    fclose(html);
+    if (!opmExportReport(path, results, *m_pE2promserv))
+        puts("opm create save result file error ");
 }
 
 void COpmMainPage::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)

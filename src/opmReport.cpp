@@ -1,6 +1,7 @@
 #include "opmReport.h"
 
 #include "devicePaths.h"
+#include "fileReplace.h"
 #include "htmlText.h"
 #include "opm.h"
 #include "plate2promserv.h"
@@ -15,6 +16,8 @@
 #include <cstring>
 #include <list>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -221,4 +224,21 @@ void opmWriteReport(FILE* html, const std::list<Result>& results,
     opmWriteGeneralInfo(html, kReportFontSize, eeprom);
     opmWriteResults(html, results);
     fputs("</body>\n</html>", html);
+}
+
+bool opmExportReport(const QByteArray& path, const std::list<Result>& results,
+                     halmanager::PlatE2PromServ& eeprom)
+{
+    // Not ".html": a report cut short by a crash is never taken for one.
+    const QByteArray pending = path + ".part";
+    FILE* html = fopen(pending.constData(), "w");
+    if (!html)
+        return false;
+    opmWriteReport(html, results, eeprom);
+    const bool written = !ferror(html);
+    if (fclose(html) != 0 || !written) {
+        unlink(pending.constData());
+        return false;
+    }
+    return FileReplace::commit(pending, path);
 }

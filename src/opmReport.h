@@ -1,6 +1,8 @@
 #ifndef OPMREPORT_H
 #define OPMREPORT_H
 
+#include <QByteArray>
+
 #include <cstddef>
 #include <cstdio>
 #include <list>
@@ -17,6 +19,12 @@ class PlatE2PromServ;
 // The whole report: the general information, then one table per result, oldest first.
 void opmWriteReport(FILE* html, const std::list<Result>& results,
                     halmanager::PlatE2PromServ& eeprom);
+
+// The whole report saved under `path`: written beside it under a name of its own and renamed to
+// `path` once complete, so that the name never holds half a report. False when it cannot be
+// written there; an existing report of that name is then left as it was.
+bool opmExportReport(const QByteArray& path, const std::list<Result>& results,
+                     halmanager::PlatE2PromServ& eeprom);
 
 // The general information's heading and table, in the given font size.
 void opmWriteGeneralInfo(FILE* pfOutput, int font_size, halmanager::PlatE2PromServ& eeprom);

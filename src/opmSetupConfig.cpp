@@ -1,8 +1,10 @@
 #include "opmSetupConfig.h"
 
 #include "devicePaths.h"
+#include "fileReplace.h"
 #include "readerProcess.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
@@ -125,6 +127,43 @@ void noteWriteResult(const QString& file, bool written)
 
 bool dirExists(const QString& dir) { return access(QFile::encodeName(dir).constData(), F_OK) == 0; }
 
+// QSettings never opens the settings file by its own name: it keeps what it read of a file by
+// name for the whole process, and would take a file that a save renamed into place for the one
+// it read before. It works on a copy under a name used once.
+const char kCopyInfix[] = ".new-";
+
+QString copyName(const QString& file)
+{
+    static unsigned serial = 0;
+    return file + QLatin1String(kCopyInfix) + QString::number(getpid()) + QLatin1Char('-')
+        + QString::number(++serial);
+}
+
+// A copy left by a crash is never read; the next start takes it away.
+void removeLeftCopies(const QString& file)
+{
+    const QFileInfo info(file);
+    QDir dir = info.dir();
+    const QStringList left =
+        dir.entryList(QStringList(info.fileName() + QLatin1String(kCopyInfix) + QLatin1Char('*')),
+                      QDir::Files | QDir::Hidden);
+    for (int i = 0; i < left.size(); ++i)
+        dir.remove(left.at(i));
+}
+
+// The file's bytes under `copy`; a file that is missing or cannot be read gives an empty copy.
+bool copyFile(const QString& file, const QString& copy)
+{
+    QFile in(file);
+    const QByteArray bytes = in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
+    QFile out(copy);
+    if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    out.write(bytes);
+    out.close();
+    return out.error() == QFile::NoError;
+}
+
 } // namespace
 
 COpmSetupConfig::COpmSetupConfig()
@@ -135,6 +174,7 @@ COpmSetupConfig::COpmSetupConfig()
         if (!QFileInfo(dir).isDir())
             printf("COpmSetupConfig cannot create %s \n", QFile::encodeName(dir).constData());
     }
+    removeLeftCopies(DevicePaths::settingFile());
     COpmSetupConfigLoad();
 }
 
@@ -144,14 +184,13 @@ void COpmSetupConfig::COpmSetupConfigLoad()
 {
     const QString file = DevicePaths::settingFile();
     const QMap<QString, QString> written = writtenValues(file);
-    QSettings settings(file, QSettings::IniFormat);
-    settings.beginGroup(QLatin1String(kGroup));
-    for (size_t i = 0; i < kSetupKeyCount; ++i) {
-        const SetupKey& key = kSetupKeys[i];
-        const QVariant value = settings.value(QLatin1String(key.key));
-        this->*key.field = settingText(value, written, key.key, key.defaultValue);
-    }
-    settings.endGroup();
+    // Where no copy can be made (a folder that cannot be written), the file is read as it is:
+    // nothing can be renamed over it then.
+    const QString copy = copyName(file);
+    const bool copied = copyFile(file, copy);
+    readSetup(copied ? copy : file, written);
+    if (copied)
+        QFile::remove(copy);
     // Written straight back, so that the file holds every key after the first start.
     COpmSetupConfigSave();
     debugCOpmSetupConfig();
@@ -161,6 +200,32 @@ void COpmSetupConfig::COpmSetupConfigSave()
 {
     printf("COpmSetupConfigSave \n");
     const QString file = DevicePaths::settingFile();
+    // The new setup is written into a copy of the file, which then takes the file's place: a
+    // crash at any moment leaves the whole old setup or the whole new one.
+    const QString copy = copyName(file);
+    // A folder taken away while the page runs is made again, as QSettings makes it for a file.
+    QDir().mkpath(QFileInfo(file).path());
+    const bool written = copyFile(file, copy) && writeSetup(copy)
+        && FileReplace::commit(QFile::encodeName(copy), QFile::encodeName(file));
+    if (!written)
+        QFile::remove(copy);
+    noteWriteResult(file, written);
+}
+
+void COpmSetupConfig::readSetup(const QString& file, const QMap<QString, QString>& written)
+{
+    QSettings settings(file, QSettings::IniFormat);
+    settings.beginGroup(QLatin1String(kGroup));
+    for (size_t i = 0; i < kSetupKeyCount; ++i) {
+        const SetupKey& key = kSetupKeys[i];
+        const QVariant value = settings.value(QLatin1String(key.key));
+        this->*key.field = settingText(value, written, key.key, key.defaultValue);
+    }
+    settings.endGroup();
+}
+
+bool COpmSetupConfig::writeSetup(const QString& file) const
+{
     QSettings settings(file, QSettings::IniFormat);
     settings.beginGroup(QLatin1String(kGroup));
     for (size_t i = 0; i < kSetupKeyCount; ++i)
@@ -168,7 +233,7 @@ void COpmSetupConfig::COpmSetupConfigSave()
     settings.endGroup();
     settings.sync();
     // A format error only says that the old contents were garbled; they are replaced anyway.
-    noteWriteResult(file, settings.status() != QSettings::AccessError);
+    return settings.status() != QSettings::AccessError;
 }
 
 void COpmSetupConfig::debugCOpmSetupConfig()

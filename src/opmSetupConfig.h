@@ -1,6 +1,7 @@
 #ifndef OPMSETUPCONFIG_H
 #define OPMSETUPCONFIG_H
 
+#include <QMap>
 #include <QString>
 
 // The operator's setup as it is kept in the settings file, one text per key.
@@ -27,6 +28,10 @@ public:
     QString mreference1490;
     QString mreference1550;
     QString mreference1625;
+
+private:
+    void readSetup(const QString& file, const QMap<QString, QString>& written);
+    bool writeSetup(const QString& file) const;
 };
 
 #endif // OPMSETUPCONFIG_H
