@@ -1,7 +1,6 @@
 #include "offsetBar.h"
 
 #include <QApplication>
-#include <QBrush>
 #include <QColor>
 #include <QFont>
 #include <QPaintEvent>
@@ -56,6 +55,13 @@ void fillReached(QPainter& painter, const QRegion& reached, const QRect& part, c
         painter.fillRect(part, colour);
 }
 
+// The outline is drawn around the bar's rectangle, on its first and last rows and columns; a
+// repaint that stays inside them (a moved marker) leaves it as it is.
+bool reachesOutline(const QRegion& reached, const QRect& outline)
+{
+    return !outline.adjusted(1, 1, -1, -1).contains(reached.boundingRect());
+}
+
 // Where a marker at x is drawn; nothing for no marker.
 QRect markerRect(int x) { return x < 0 ? QRect() : QRect(x, 1, kMarkerWidth, kMarkerHeight); }
 
@@ -63,10 +69,9 @@ QRect markerRect(int x) { return x < 0 ? QRect() : QRect(x, 1, kMarkerWidth, kMa
 
 OffsetBar::OffsetBar(QWidget* parent) : CWidget(parent), m_bLabelsFromLimits(false)
 {
-    // The bar paints every pixel of its rectangle, white as the reading panel it sits on, so
-    // that a move of the marker repaints the bar alone and not the widgets beneath it.
+    // The bar paints every pixel of its rectangle itself, white as the reading panel it sits
+    // on, so that a move of the marker repaints the bar alone and not the widgets beneath it.
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setBackgroundColor(Qt::white);
     const QRect area = rect();
     m_nStartX = area.x();
     m_nStartY = area.y();
@@ -181,16 +186,17 @@ int OffsetBar::markerX() const
 
 void OffsetBar::paintEvent(QPaintEvent* event)
 {
-    CWidget::paintEvent(event);
-
     QPainter painter(this);
-    painter.setPen(Qt::black);
-    painter.setBrush(Qt::white);
-    painter.translate(rect().topLeft());
-
-    const int zoneHeight = kBarHeight - 2;
-    painter.drawRect(QRect(0, 0, kBarWidth, kBarHeight));
     const QRegion& reached = event->region();
+    painter.fillRect(rect(), Qt::white);
+
+    // A pen of one pixel draws a rectangle one pixel wider and higher than its size.
+    const QRect outline(0, 0, kBarWidth + 1, kBarHeight + 1);
+    if (reachesOutline(reached, outline)) {
+        painter.setPen(Qt::black);
+        painter.drawRect(QRect(0, 0, kBarWidth, kBarHeight));
+    }
+    const int zoneHeight = kBarHeight - 2;
     fillReached(painter, reached, QRect(1, 1, kScaler, zoneHeight), kOutOfRangeColour);
     fillReached(painter, reached, QRect(kBarWidth - 1 - kScaler, 1, kScaler, zoneHeight),
                 kOutOfRangeColour);
@@ -209,6 +215,7 @@ void OffsetBar::paintEvent(QPaintEvent* event)
     QFont font = QApplication::font();
     font.setPixelSize(kFontPixelSize);
     painter.setFont(font);
+    painter.setPen(Qt::black);
     painter.drawText(QPoint(kScaler - kLabelOffset, kLabelBaseline), m_sMinValue);
     painter.drawText(QPoint(kBarWidth - kScaler - kLabelOffset, kLabelBaseline), m_sMaxValue);
 }

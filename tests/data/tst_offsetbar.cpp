@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <climits>
+#include <cmath>
 #include <limits>
 
 enum Update { Constructed, Doubles, Ints };
@@ -22,6 +23,8 @@ private slots:
     void position();
     void repaint_data();
     void repaint();
+    void look_data();
+    void look();
 };
 
 void TestOffsetBar::labelsAndClear()
@@ -156,6 +159,85 @@ void TestOffsetBar::repaint()
     if (repainted == "markers")
         QVERIFY(painted.region.contains(QRect(oldX, 12, 5, 1))
                 && painted.region.contains(QRect(bar.markerX(), 12, 5, 1)));
+}
+
+namespace {
+
+const QColor kUnpainted(Qt::red); // a colour the bar never draws
+const QColor kPink(252, 223, 215);
+const QColor kGreen(204, 255, 153);
+
+// The bar painted into an image: all of it, or only `places` over what the image holds.
+void paintInto(QImage& image, OffsetBar& bar, const QRegion& places = QRegion())
+{
+    if (places.isEmpty())
+        bar.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    else
+        bar.render(&image, places.boundingRect().topLeft(), places, QWidget::DrawChildren);
+}
+
+QRect markerPlace(int x) { return QRect(x, 1, 5, 24); }
+
+QPoint firstDifference(const QImage& a, const QImage& b)
+{
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            if (a.pixel(x, y) != b.pixel(x, y))
+                return QPoint(x, y);
+    return QPoint(-1, -1);
+}
+
+} // namespace
+
+// What the bar shows for limits -20 and -10, painted whole at `from`, or painted at `from` and
+// then, with the value at `to`, only where the marker was and is, as a moved marker repaints.
+void TestOffsetBar::look_data()
+{
+    addColumns<double, double, QPoint, QColor>("from to place colour");
+    const double whole = std::numeric_limits<double>::quiet_NaN();
+    const QColor black(Qt::black), white(Qt::white), blue(Qt::blue);
+
+    addRow("outline, top left", -15.0, whole, QPoint(0, 0), black);
+    addRow("outline, bottom right", -15.0, whole, QPoint(245, 25), black);
+    addRow("outline, bottom", -15.0, whole, QPoint(100, 25), black);
+    addRow("lower zone", -15.0, whole, QPoint(10, 12), kPink);
+    addRow("upper zone", -15.0, whole, QPoint(220, 12), kPink);
+    addRow("in range", -15.0, whole, QPoint(60, 12), kGreen);
+    addRow("centre line", -15.0, whole, QPoint(121, 20), black);
+    addRow("marker", -15.0, whole, QPoint(124, 12), blue);
+    addRow("inside the outline, right of the zones", -15.0, whole, QPoint(244, 12), white);
+    addRow("right of the outline", -15.0, whole, QPoint(250, 12), white);
+    addRow("between the bar and the labels", -15.0, whole, QPoint(100, 30), white);
+    addRow("moved into the lower zone: old place", -15.0, -21.0, QPoint(124, 12), kGreen);
+    addRow("moved into the lower zone: new place", -15.0, -21.0, QPoint(21, 12), blue);
+    addRow("moved into the lower zone: outline above", -15.0, -21.0, QPoint(21, 0), black);
+    addRow("moved across the centre: old place", -18.0, -12.0, QPoint(90, 12), kGreen);
+    addRow("moved across the centre: centre line", -18.0, -12.0, QPoint(121, 12), black);
+}
+
+void TestOffsetBar::look()
+{
+    QFETCH(double, from);
+    QFETCH(double, to);
+    QFETCH(QPoint, place);
+    QFETCH(QColor, colour);
+
+    OffsetBar bar;
+    bar.setRangedOffset(-20.0, -10.0, from);
+    QImage image(bar.size(), QImage::Format_ARGB32);
+    image.fill(kUnpainted.rgba());
+    paintInto(image, bar);
+    if (!std::isnan(to)) {
+        const int before = bar.markerX();
+        bar.setRangedOffset(-20.0, -10.0, to);
+        QVERIFY(bar.markerX() != before);
+        paintInto(image, bar, QRegion(markerPlace(before)) + markerPlace(bar.markerX()));
+        QImage whole(bar.size(), QImage::Format_ARGB32);
+        whole.fill(kUnpainted.rgba());
+        paintInto(whole, bar);
+        QCOMPARE(firstDifference(image, whole), QPoint(-1, -1));
+    }
+    QCOMPARE(QColor(image.pixel(place)), colour);
 }
 
 QTEST_MAIN(TestOffsetBar)
