@@ -1,8 +1,8 @@
-// bench_ticks <page|floor> <changing|unchanged|moving> <ticks> [--paints]
+// bench_ticks <page|floor|floor-look> <changing|unchanged|moving> <ticks> [--paints]
 // Drives ticks of the Setup tab (inside the main page, as the program shows it) or of the floor
-// page without waiting for the timer: each tick writes a reading into the shared record, calls
-// the timer's slot and lets the backing store repaint what the tick changed (offscreen on Qt 5,
-// on Xvfb on Qt 4). Run it
+// page (floor-look: with the reading in the Setup tab's look) without waiting for the timer:
+// each tick writes a reading into the shared record, calls the timer's slot and lets the
+// backing store repaint what the tick changed (offscreen on Qt 5, on Xvfb on Qt 4). Run it
 // under callgrind with 0 and with N ticks: the difference over N is the cost of one tick.
 // --paints prints how many widgets each tick repainted, by class; --shot FILE saves what the
 // offscreen screen shows after the ticks.
@@ -78,10 +78,14 @@ int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments();
-    if (args.size() < 4 || (args[1] != "page" && args[1] != "floor")) {
-        std::fprintf(stderr,
-                     "usage: bench_ticks <page|floor> <changing|unchanged|moving> <ticks> "
-                     "[--paints] [--shot FILE]\n");
+    const QStringList programs = QStringList() << "page"
+                                               << "floor"
+                                               << "floor-look";
+    if (args.size() < 4 || !programs.contains(args[1])) {
+        std::fprintf(
+            stderr,
+            "usage: bench_ticks <page|floor|floor-look> <changing|unchanged|moving> <ticks> "
+            "[--paints] [--shot FILE]\n");
         return 2;
     }
     const QString mode = args[2];
@@ -103,7 +107,10 @@ int main(int argc, char* argv[])
         target = window->findChild<NerioOpm*>();
         slot = "onTimer";
     } else {
-        window.reset(new CFloorPage(CFloorPage::kDefaultWidgetCount));
+        CFloorPage* floor = new CFloorPage(CFloorPage::kDefaultWidgetCount);
+        if (args[1] == "floor-look")
+            floor->showAsSetupTab();
+        window.reset(floor);
         target = window.get();
         slot = "tick";
     }

@@ -1,7 +1,9 @@
 #include "floorPage.h"
 
+#include <QFont>
 #include <QLabel>
 #include <QPainter>
+#include <QPalette>
 #include <QTimer>
 
 #include <cmath>
@@ -57,6 +59,20 @@ CFloorPage::CFloorPage(int widgetCount, QWidget* parent) : QWidget(parent)
     addFillers(widgetCount - 4); // the page, the two labels and the bar
     m_pTimer = new QTimer(this);
     connect(m_pTimer, SIGNAL(timeout()), this, SLOT(tick()));
+}
+
+void CFloorPage::showAsSetupTab()
+{
+    m_pValue->setGeometry(200, 250, 300, 70);
+    QFont font = m_pValue->font();
+    font.setPixelSize(20);
+    m_pValue->setFont(font);
+    QPalette palette = m_pValue->palette();
+    palette.setColor(QPalette::Window, Qt::white);
+    m_pValue->setPalette(palette);
+    m_pValue->setAutoFillBackground(true);
+    m_pValue->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_pWave->move(200, 225);
 }
 
 void CFloorPage::addFillers(int count)

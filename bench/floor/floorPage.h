@@ -34,6 +34,11 @@ public:
 
     explicit CFloorPage(int widgetCount = kDefaultWidgetCount, QWidget* parent = nullptr);
 
+    // The reading in the Setup tab's own look (a 20-pixel font, right-aligned on a white
+    // 300 x 70 label), which costs more to draw than a plain label: to tell the page's own
+    // cost from that of the look it must show.
+    void showAsSetupTab();
+
 public slots:
     void tick();
 
