@@ -127,12 +127,14 @@ host_helpers() {
     local host=$build_dir/host target file
     cmake -S . -B "$host" -DOPM_QT=5 -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=ON \
         $(command -v ccache >/dev/null && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache) >/dev/null
-    cmake --build "$host" -j "$(nproc)" --target lumenProbe readerStandIn slowReaderStart >/dev/null
-    for file in tools/lumenProbe/lumenProbe tests/readerStandIn tests/libslowReaderStart.so; do
+    cmake --build "$host" -j "$(nproc)" --target lumenProbe readerStandIn slowReaderStart brokenReader >/dev/null
+    for file in tools/lumenProbe/lumenProbe tests/readerStandIn tests/libslowReaderStart.so \
+        tests/brokenReader; do
         cmp -s "$host/$file" "$build_dir/$file" || cp -f "$host/$file" "$build_dir/$file"
     done
     # A fresh link replaces the script by the program, which then moves aside again.
-    for target in tools/opmshell/opmshell tests/opm_testroot tests/reportExportRun; do
+    for target in tools/opmshell/opmshell tools/opmrecord/opmrecord tests/opm_testroot \
+        tests/reportExportRun; do
         file=$build_dir/$target
         if is_i386 "$file" 2>/dev/null; then
             mv -f "$file" "$file.i386"

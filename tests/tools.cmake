@@ -23,3 +23,14 @@ add_dependencies(tst_tools opmshell opmplugin_demo lumenProbe)
 foreach(fake ${OPM_FAKE_PLUGINS})
     add_dependencies(tst_tools fakeplugin_${fake})
 endforeach()
+
+# The reader check against the simulated reader and against a reader that breaks one rule.
+add_executable(brokenReader tools/brokenReader.cpp)
+target_link_libraries(brokenReader PRIVATE opmshare)
+set_target_properties(brokenReader PROPERTIES AUTOMOC OFF)
+opm_add_test(tst_readercheck tools/tst_readercheck.cpp)
+target_compile_definitions(tst_readercheck PRIVATE
+    OPMRECORD_PATH="$<TARGET_FILE:opmrecord>"
+    LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
+    BROKENREADER_PATH="$<TARGET_FILE:brokenReader>")
+add_dependencies(tst_readercheck opmrecord lumenProbe brokenReader)

@@ -1,6 +1,7 @@
 // Prints, follows and sets the shared record of the current folder's segment: the tool to
 // look at when a reader or the page misbehaves.
 #include "opmShareRecord.h"
+#include "readerCheck.h"
 #include "recordFields.h"
 
 #include <csignal>
@@ -31,6 +32,7 @@ struct Options
 void printUsage(std::FILE* out)
 {
     std::fputs("usage: opmrecord [--follow [--interval MS]] [--set FIELD=VALUE ...]\n"
+               "       opmrecord check [--junit FILE] [--retune-ms MS] -- READER [ARG...]\n"
                "Prints the optical power meter's shared record of the current folder.\n"
                "  --follow          print one line per sample until Ctrl-C\n"
                "  --interval MS     sample period of --follow (20..60000, default 500)\n"
@@ -201,6 +203,8 @@ void follow(const OpmShareRecord* record, long intervalMs)
 
 int main(int argc, char** argv)
 {
+    if (argc > 1 && std::strcmp(argv[1], "check") == 0)
+        return ReaderCheck::run(argc - 1, argv + 1);
     Options options;
     const int parsed = parseOptions(argc, argv, &options);
     if (parsed != 0)
