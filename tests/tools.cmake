@@ -23,3 +23,9 @@ add_dependencies(tst_tools opmshell opmplugin_demo lumenProbe)
 foreach(fake ${OPM_FAKE_PLUGINS})
     add_dependencies(tst_tools fakeplugin_${fake})
 endforeach()
+
+# The inspector's trend log and chart: the figures on their own, the programs as they run.
+opm_add_test(tst_trend tools/tst_trend.cpp)
+target_link_libraries(tst_trend PRIVATE opmrecordtrend)
+target_compile_definitions(tst_trend PRIVATE OPMRECORD_PATH="$<TARGET_FILE:opmrecord>")
+add_dependencies(tst_trend opmrecord)
