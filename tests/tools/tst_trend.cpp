@@ -112,7 +112,6 @@ private slots:
 private:
     int run(const QStringList& arguments, const QString& folder);
     bool writeFile(const QString& name, const QByteArray& data);
-    QByteArray readFile(const QString& name) const;
     // Checks the log run's summary line against the file's rows.
     void checkSummary(const QByteArray& log, bool withReadings);
 
@@ -137,12 +136,6 @@ bool TestTrend::writeFile(const QString& name, const QByteArray& data)
 {
     QFile file(m_dir.path() + '/' + name);
     return file.open(QIODevice::WriteOnly) && file.write(data) == data.size();
-}
-
-QByteArray TestTrend::readFile(const QString& name) const
-{
-    QFile file(name.startsWith('/') ? name : m_dir.path() + '/' + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 void TestTrend::checkSummary(const QByteArray& log, bool withReadings)

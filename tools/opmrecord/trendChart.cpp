@@ -96,8 +96,12 @@ Range powerRange(const TrendSeries::Log& log)
             break;
         }
     }
-    return { std::floor((middle - half) / step) * step, std::ceil((middle + half) / step) * step,
-             step };
+    const Range range = { std::floor((middle - half) / step) * step,
+                          std::ceil((middle + half) / step) * step, step };
+    // Readings near the limits of a double: an axis that still works.
+    if (!std::isfinite(range.high - range.low) || !(range.step > 0))
+        return { -10, 0, 2 };
+    return range;
 }
 
 Range timeRange(const TrendSeries::Log& log)
@@ -106,7 +110,7 @@ Range timeRange(const TrendSeries::Log& log)
     static const double steps[] = { 1,     2,     5,     10,    15,     30,    60,
                                     120,   300,   600,   900,   1800,   3600,  7200,
                                     10800, 21600, 43200, 86400, 172800, 604800 };
-    double step = steps[sizeof steps / sizeof steps[0] - 1];
+    double step = std::ceil(span / 8 / 604800) * 604800; // whole weeks beyond the table
     for (double s : steps) {
         if (span / s <= 8) {
             step = s;
@@ -172,6 +176,12 @@ void drawTimeAxis(QPainter* p, const Frame& f, const TrendSeries::Log& log)
                 QString::fromLatin1(text));
 }
 
+// Off the axis is drawn just outside the plot, where the clip ends it.
+double clampY(const Frame& f, double y)
+{
+    return std::max(f.plot.top() - 10, std::min(f.plot.bottom() + 10, y));
+}
+
 void drawSeries(QPainter* p, const Frame& f, const TrendSeries::Series& s, QRgb colour)
 {
     p->setPen(QPen(QColor(colour), 2));
@@ -179,7 +189,7 @@ void drawSeries(QPainter* p, const Frame& f, const TrendSeries::Series& s, QRgb 
     for (const auto& run : s.runs) {
         QPolygonF line;
         for (const TrendStats::Point& point : run)
-            line << QPointF(f.x(point.seconds), f.y(point.value));
+            line << QPointF(f.x(point.seconds), clampY(f, f.y(point.value)));
         if (line.size() == 1)
             p->drawEllipse(line.first(), 2.0, 2.0);
         else
@@ -190,12 +200,13 @@ void drawSeries(QPainter* p, const Frame& f, const TrendSeries::Series& s, QRgb 
 QString legendText(const TrendSeries::Series& s)
 {
     const TrendStats::Summary& m = s.summary;
-    char text[200];
-    std::snprintf(text, sizeof text,
-                  "min %.3f  max %.3f  mean %.3f  std %.4f dB  drift %+.3f dB/h  n=%zu", m.minimum,
-                  m.maximum, m.mean, m.deviation, m.driftPerHour, m.count);
-    return latin1(TrendStats::wavelengthLabel(s.wavelength)) + QString::fromLatin1("   ")
-        + QString::fromLatin1(text);
+    const std::string drift =
+        (m.driftPerHour >= 0 ? "+" : "") + TrendStats::figure(m.driftPerHour, 3);
+    return latin1(TrendStats::wavelengthLabel(s.wavelength) + "   min "
+                  + TrendStats::figure(m.minimum, 3) + "  max " + TrendStats::figure(m.maximum, 3)
+                  + "  mean " + TrendStats::figure(m.mean, 3) + "  std "
+                  + TrendStats::figure(m.deviation, 4) + " dB  drift " + drift
+                  + " dB/h  n=" + std::to_string(m.count));
 }
 
 void drawLegend(QPainter* p, const TrendSeries::Log& log, int top)

@@ -64,15 +64,23 @@ std::string clockSpan(double seconds)
     return text;
 }
 
+std::string figure(double value, int decimals)
+{
+    char text[64];
+    if (std::fabs(value) < 1e9)
+        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    else
+        std::snprintf(text, sizeof text, "%.4g", value);
+    return text;
+}
+
 std::string describe(const std::string& wavelength, const Summary& s)
 {
-    char text[200];
-    std::snprintf(text, sizeof text,
-                  ": %zu readings over %s, min %.3f max %.3f mean %.3f std %.4f dB,"
-                  " drift %+.4f dB/h",
-                  s.count, clockSpan(s.spanSeconds).c_str(), s.minimum, s.maximum, s.mean,
-                  s.deviation, s.driftPerHour);
-    return wavelengthLabel(wavelength) + text;
+    const std::string drift = (s.driftPerHour >= 0 ? "+" : "") + figure(s.driftPerHour, 4);
+    return wavelengthLabel(wavelength) + ": " + std::to_string(s.count) + " readings over "
+        + clockSpan(s.spanSeconds) + ", min " + figure(s.minimum, 3) + " max "
+        + figure(s.maximum, 3) + " mean " + figure(s.mean, 3) + " std " + figure(s.deviation, 4)
+        + " dB, drift " + drift + " dB/h";
 }
 
 } // namespace TrendStats

@@ -34,6 +34,10 @@ std::string describe(const std::string& wavelength, const Summary& summary);
 // A wavelength as shown: "1550 nm" when it is digits only, else the text itself.
 std::string wavelengthLabel(const std::string& wavelength);
 
+// A figure with so many decimals; beyond a billion in scientific notation, so that a line stays
+// short whatever the log holds.
+std::string figure(double value, int decimals);
+
 // Seconds as h:mm:ss.
 std::string clockSpan(double seconds);
 
