@@ -34,3 +34,9 @@ target_compile_definitions(tst_readercheck PRIVATE
     LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
     BROKENREADER_PATH="$<TARGET_FILE:brokenReader>")
 add_dependencies(tst_readercheck opmrecord lumenProbe brokenReader)
+
+# The inspector's trend log and chart: the figures on their own, the programs as they run.
+opm_add_test(tst_trend tools/tst_trend.cpp)
+target_link_libraries(tst_trend PRIVATE opmrecordtrend)
+target_compile_definitions(tst_trend PRIVATE OPMRECORD_PATH="$<TARGET_FILE:opmrecord>")
+add_dependencies(tst_trend opmrecord)

@@ -3,6 +3,8 @@
 #include "opmShareRecord.h"
 #include "readerCheck.h"
 #include "recordFields.h"
+#include "trendChart.h"
+#include "trendLog.h"
 
 #include <csignal>
 #include <cstdio>
@@ -39,6 +41,8 @@ void printUsage(std::FILE* out)
                "  --set F=V         set one field (repeatable); all are checked first\n"
                "Fields: wavelenth unit value flag pid deviceType wavelenthTarget needSave\n",
                out);
+    std::fputs(TrendLog::kUsage, out);
+    std::fputs(TrendChart::kUsage, out);
 }
 
 // 0: run, 1: bad usage, 2: help shown.
@@ -205,6 +209,10 @@ int main(int argc, char** argv)
 {
     if (argc > 1 && std::strcmp(argv[1], "check") == 0)
         return ReaderCheck::run(argc - 1, argv + 1);
+    if (argc > 1 && std::strcmp(argv[1], "log") == 0)
+        return TrendLog::run(argc - 1, argv + 1);
+    if (argc > 1 && std::strcmp(argv[1], "chart") == 0)
+        return TrendChart::run(argc - 1, argv + 1);
     Options options;
     const int parsed = parseOptions(argc, argv, &options);
     if (parsed != 0)
