@@ -31,6 +31,18 @@ const Field kFields[] = {
 
 #undef OPM_FIELD
 
+char* fieldAddress(OpmShareRecord* record, const Field& field)
+{
+    return reinterpret_cast<char*>(record) + field.offset;
+}
+
+const char* fieldAddress(const OpmShareRecord& record, const Field& field)
+{
+    return reinterpret_cast<const char*>(&record) + field.offset;
+}
+
+} // namespace
+
 bool parseInt32(const std::string& text, int32_t* value)
 {
     if (text.empty() || text.size() > 16 || std::strlen(text.c_str()) != text.size())
@@ -43,18 +55,6 @@ bool parseInt32(const std::string& text, int32_t* value)
     *value = int32_t(parsed);
     return true;
 }
-
-char* fieldAddress(OpmShareRecord* record, const Field& field)
-{
-    return reinterpret_cast<char*>(record) + field.offset;
-}
-
-const char* fieldAddress(const OpmShareRecord& record, const Field& field)
-{
-    return reinterpret_cast<const char*>(&record) + field.offset;
-}
-
-} // namespace
 
 const Field* begin() { return kFields; }
 

@@ -39,6 +39,9 @@ bool set(OpmShareRecord* record, const std::string& name, const std::string& val
 // printable ASCII escaped, read no further than the field (a field without NUL is marked).
 std::string show(const OpmShareRecord& record, const Field& field);
 
+// A whole decimal number that fits 32 bits, and nothing else.
+bool parseInt32(const std::string& text, int32_t* value);
+
 // Escapes a text for printing inside double quotes.
 std::string escaped(const char* text, size_t length);
 

@@ -1,5 +1,7 @@
 #include "trendCsv.h"
 
+#include "recordFields.h"
+
 #include <cerrno>
 #include <climits>
 #include <cmath>
@@ -13,19 +15,6 @@ namespace TrendCsv {
 const char kHeader[] = "time,wavelength,unit,value,number,flag,needSave";
 
 namespace {
-
-bool parseInt32(const std::string& text, int32_t* value)
-{
-    if (text.empty() || text.size() > 12 || std::strlen(text.c_str()) != text.size())
-        return false;
-    errno = 0;
-    char* end = nullptr;
-    const long long parsed = std::strtoll(text.c_str(), &end, 10);
-    if (errno != 0 || *end != '\0' || parsed < INT32_MIN || parsed > INT32_MAX)
-        return false;
-    *value = int32_t(parsed);
-    return true;
-}
 
 // Days from 1970-01-01 to a civil date (proleptic Gregorian).
 int64_t daysFromCivil(int64_t y, unsigned m, unsigned d)
@@ -237,7 +226,8 @@ bool parseRow(const std::string& line, Row* row)
     parsed.hasNumber = !f[4].empty();
     if (!parseTime(f[0], &parsed.msSinceEpoch, &parsed.utcOffsetSeconds)
         || (parsed.hasNumber && !parseNumber(f[4], &parsed.number))
-        || !parseInt32(f[5], &parsed.flag) || !parseInt32(f[6], &parsed.needSave))
+        || !RecordFields::parseInt32(f[5], &parsed.flag)
+        || !RecordFields::parseInt32(f[6], &parsed.needSave))
         return false;
     *row = parsed;
     return true;
