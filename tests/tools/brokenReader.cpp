@@ -2,6 +2,7 @@
 // exactly one rule of it, for the reader check's tests. Rules: wrong-key, small-segment, no-nul,
 // wavelength-unit, unit-case, comma-value, flag-3, slow, ignores-target, slow-retune,
 // clears-save, saves-unasked, dies-at-once.
+#include "fixedText.h"
 #include "opmShareRecord.h"
 
 #include <csignal>
@@ -36,7 +37,7 @@ template <size_t N>
 void put(volatile char (&field)[N], const char* text)
 {
     char whole[N] = {};
-    std::snprintf(whole, N, "%s", text);
+    FixedText::copy(whole, text);
     std::memcpy(const_cast<char*>(field), whole, N);
 }
 
