@@ -226,6 +226,7 @@ void TestSaveCrash::failedExportLeavesNothing_data()
     addColumns<QString, QString>("name taken");
     addRow("into no folder", kResultDir + "/gone/route-7.html", QString());
     addRow("name held by a folder", kReport, kReport + "/kept");
+    addRow("folder replaced by a file", kResultDir + "/taken/route-7.html", kResultDir + "/taken");
 }
 
 // An export that cannot be made returns false, leaves what held the name and no part of itself.
