@@ -53,6 +53,9 @@ QByteArray sixtySeconds(const QString& kind)
     return log;
 }
 
+// "log trend.csv --interval 20": the arguments of one run, blank between.
+QStringList args(const char* words) { return QString::fromLatin1(words).split(' '); }
+
 bool near(QRgb a, QRgb b)
 {
     return qAbs(qRed(a) - qRed(b)) + qAbs(qGreen(a) - qGreen(b)) + qAbs(qBlue(a) - qBlue(b)) <= 24;
@@ -200,11 +203,7 @@ void TestTrend::statistics()
     QCOMPARE(QString::number(s.deviation, 'f', 6), deviation);
     QCOMPARE(QString::number(s.driftPerHour, 'f', 6), drift);
 
-    QCOMPARE(run(QStringList() << "chart"
-                               << "stats.csv"
-                               << "--summary",
-                 m_dir.path()),
-             0);
+    QCOMPARE(run(args("chart stats.csv --summary"), m_dir.path()), 0);
     QCOMPARE(QString::fromLatin1(m_out.left(m_out.indexOf('\n'))), summary);
 }
 
@@ -289,14 +288,7 @@ void TestTrend::logsRecord()
     writer.setReading(wavelength.constData(), unit.constData(), value.constData(), flag);
     writer.record()->needSave = 0;
 
-    QCOMPARE(run(QStringList() << "log"
-                               << "trend.csv"
-                               << "--interval"
-                               << "20"
-                               << "--duration"
-                               << "0.05",
-                 root.path()),
-             0);
+    QCOMPARE(run(args("log trend.csv --interval 20 --duration 0.05"), root.path()), 0);
     const QByteArray log = root.readFile("/trend.csv");
     const QList<QByteArray> lines = log.split('\n');
     QCOMPARE(lines.first(), QByteArray(TrendCsv::kHeader));
@@ -313,26 +305,12 @@ void TestTrend::logRefuses_data()
 {
     addColumns<QStringList, bool, QByteArray, int, QString>(
         "arguments segment existing status message");
-    const QStringList plain = QStringList() << "log"
-                                            << "trend.csv"
-                                            << "--duration"
-                                            << "1";
+    const QStringList plain = args("log trend.csv --duration 1");
     addRow("no segment", plain, false, QByteArray(), 1, "no shared segment");
     addRow("file exists", plain, true, QByteArray("kept\n"), 1, "--append");
-    addRow("interval 19 ms",
-           QStringList(plain) << "--interval"
-                              << "19",
-           true, QByteArray(), 2, "bad interval");
-    addRow("duration 0",
-           QStringList() << "log"
-                         << "trend.csv"
-                         << "--duration"
-                         << "0",
-           true, QByteArray(), 2, "bad duration");
-    addRow("no file",
-           QStringList() << "log"
-                         << "--append",
-           true, QByteArray(), 2, "no file");
+    addRow("interval 19 ms", plain + args("--interval 19"), true, QByteArray(), 2, "bad interval");
+    addRow("duration 0", args("log trend.csv --duration 0"), true, QByteArray(), 2, "bad duration");
+    addRow("no file", args("log --append"), true, QByteArray(), 2, "no file");
 }
 
 // Nothing is written, and what was there stays as it was.
@@ -362,17 +340,12 @@ void TestTrend::logAppends()
     TestDeviceRoot root;
     RecordWriter writer;
     writer.setReading("1490", "dBm", "-4.61");
-    const QStringList arguments = QStringList() << "log"
-                                                << "trend.csv"
-                                                << "--interval"
-                                                << "20"
-                                                << "--duration"
-                                                << "0.05";
+    const QStringList arguments = args("log trend.csv --interval 20 --duration 0.05");
     QCOMPARE(run(arguments, root.path()), 0);
     const QByteArray before = root.readFile("/trend.csv");
     QVERIFY(root.writeFile("/trend.csv", before + "2026-11-25T14:03:07.125+01:00,1490,dB"));
 
-    QCOMPARE(run(QStringList(arguments) << "--append", root.path()), 0);
+    QCOMPARE(run(arguments + args("--append"), root.path()), 0);
     const QByteArray after = root.readFile("/trend.csv");
     QCOMPARE(after.count(TrendCsv::kHeader), 1);
     TrendSeries::Log log;
@@ -398,11 +371,7 @@ void TestTrend::logEndsOnSignal()
     writer.setReading("1625", "dBm", "-4.63");
     QProcess process;
     process.setWorkingDirectory(root.path());
-    process.start(OPMRECORD_PATH,
-                  QStringList() << "log"
-                                << "trend.csv"
-                                << "--interval"
-                                << "20");
+    process.start(OPMRECORD_PATH, args("log trend.csv --interval 20"));
     OPM_TRY_VERIFY(root.readFile("/trend.csv").count('\n') >= 4, 20000);
     ::kill(pid_t(pidOf(process)), signal);
     QVERIFY(process.waitForFinished(20000));
@@ -431,12 +400,7 @@ void TestTrend::chart()
     QVERIFY(writeFile("chart.csv", sixtySeconds(kind)));
     QFile::remove(m_dir.path() + "/chart.png");
 
-    QCOMPARE(run(QStringList() << "chart"
-                               << "chart.csv"
-                               << "-o"
-                               << "chart.png",
-                 m_dir.path()),
-             0);
+    QCOMPARE(run(args("chart chart.csv -o chart.png"), m_dir.path()), 0);
     const QImage image(m_dir.path() + "/chart.png");
     QCOMPARE(image.size(), QSize(800, 480));
     const QRgb colour = TrendChart::seriesColour(0);
