@@ -80,17 +80,17 @@ OpmShareRecord* attachExisting()
     const key_t key = Getkey();
     if (key == -1)
         return nullptr;
-    const int id = shmget(key, 0, 0);
+    bool tooSmall = false;
+    const int id = RecordFields::existingSegment(key, &tooSmall);
+    if (tooSmall) {
+        std::fprintf(stderr, "opmrecord: segment 0x%08x is too small for the record\n",
+                     unsigned(key));
+        return nullptr;
+    }
     if (id == -1) {
         std::fprintf(stderr,
                      "opmrecord: no shared segment for this folder (key 0x%08x); "
                      "start the page or the reader here first\n",
-                     unsigned(key));
-        return nullptr;
-    }
-    struct shmid_ds info;
-    if (shmctl(id, IPC_STAT, &info) == -1 || info.shm_segsz < sizeof(OpmShareRecord)) {
-        std::fprintf(stderr, "opmrecord: segment 0x%08x is too small for the record\n",
                      unsigned(key));
         return nullptr;
     }
@@ -100,13 +100,6 @@ OpmShareRecord* attachExisting()
         return nullptr;
     }
     return static_cast<OpmShareRecord*>(addr);
-}
-
-OpmShareRecord snapshot(const OpmShareRecord* live)
-{
-    OpmShareRecord copy;
-    std::memcpy(&copy, const_cast<const OpmShareRecord*>(live), sizeof copy);
-    return copy;
 }
 
 const char* flagMeaning(int32_t flag)
@@ -198,7 +191,7 @@ void follow(const OpmShareRecord* record, long intervalMs)
     sigaction(SIGTERM, &action, nullptr);
     const struct timespec period = { intervalMs / 1000, (intervalMs % 1000) * 1000000L };
     while (!g_stop) {
-        printLine(snapshot(record));
+        printLine(RecordFields::snapshot(record));
         nanosleep(&period, nullptr);
     }
 }
@@ -225,7 +218,7 @@ int main(int argc, char** argv)
     if (options.follow)
         follow(record, options.intervalMs);
     else
-        printRecord(snapshot(record));
+        printRecord(RecordFields::snapshot(record));
     shmdt(record);
     return 0;
 }

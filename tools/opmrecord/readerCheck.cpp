@@ -236,8 +236,7 @@ private:
 
 OpmShareRecord ContractCheck::take()
 {
-    OpmShareRecord copy;
-    std::memcpy(&copy, const_cast<const OpmShareRecord*>(m_record), sizeof copy);
+    const OpmShareRecord copy = RecordFields::snapshot(m_record);
     for (SampleRule& rule : m_rules) {
         std::string seen;
         ++rule.samples;

@@ -9,6 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <sys/ipc.h>
+#include <sys/shm.h>
+
 namespace RecordFields {
 
 namespace {
@@ -149,6 +152,24 @@ std::string escaped(const char* text, size_t length)
         }
     }
     return out;
+}
+
+OpmShareRecord snapshot(const volatile OpmShareRecord* live)
+{
+    OpmShareRecord copy;
+    std::memcpy(&copy, const_cast<const OpmShareRecord*>(live), sizeof copy);
+    return copy;
+}
+
+int existingSegment(key_t key, bool* tooSmall)
+{
+    const int id = shmget(key, 0, 0);
+    struct shmid_ds info;
+    const bool small =
+        id != -1 && (shmctl(id, IPC_STAT, &info) == -1 || info.shm_segsz < sizeof(OpmShareRecord));
+    if (tooSmall)
+        *tooSmall = small;
+    return small ? -1 : id;
 }
 
 } // namespace RecordFields

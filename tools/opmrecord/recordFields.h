@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <string>
 
+#include <sys/types.h>
+
 // The shared record's fields by name, for tools that print or set them from text.
 namespace RecordFields {
 
@@ -44,6 +46,14 @@ bool parseInt32(const std::string& text, int32_t* value);
 
 // Escapes a text for printing inside double quotes.
 std::string escaped(const char* text, size_t length);
+
+// A copy of the live record, which the reader may change at any time, taken in one go so that
+// its fields belong together as far as a reader that does not lock lets them.
+OpmShareRecord snapshot(const volatile OpmShareRecord* live);
+
+// The segment of key as it is now, when it can hold the record: its id. -1 when there is none
+// or it is too small; *tooSmall (when given) tells which.
+int existingSegment(key_t key, bool* tooSmall = nullptr);
 
 } // namespace RecordFields
 

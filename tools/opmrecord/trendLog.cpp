@@ -1,6 +1,7 @@
 #include "trendLog.h"
 
 #include "opmShareRecord.h"
+#include "recordFields.h"
 #include "trendCsv.h"
 #include "trendStats.h"
 
@@ -82,16 +83,6 @@ int parseOptions(int argc, char** argv, Options* o)
     return 0;
 }
 
-// The segment of the current folder as it is now; -1 when there is none or it is too small.
-int currentSegment(key_t key)
-{
-    const int id = shmget(key, 0, 0);
-    struct shmid_ds info;
-    if (id == -1 || shmctl(id, IPC_STAT, &info) == -1 || info.shm_segsz < sizeof(OpmShareRecord))
-        return -1;
-    return id;
-}
-
 // Attaches the existing segment; never creates one.
 const OpmShareRecord* attach(int id)
 {
@@ -102,7 +93,7 @@ const OpmShareRecord* attach(int id)
 // A reader started anew may have made a new segment (after the old one was removed): follow it.
 void followSegment(key_t key, int* id, const OpmShareRecord** record)
 {
-    const int now = currentSegment(key);
+    const int now = RecordFields::existingSegment(key);
     if (now == -1 || now == *id)
         return;
     const OpmShareRecord* attached = attach(now);
@@ -122,8 +113,7 @@ int64_t nowMs()
 
 TrendCsv::Row sample(const OpmShareRecord* live)
 {
-    OpmShareRecord r;
-    std::memcpy(&r, live, sizeof r);
+    const OpmShareRecord r = RecordFields::snapshot(live);
     TrendCsv::Row row;
     row.msSinceEpoch = nowMs();
     row.wavelength = TrendCsv::asciiText(r.wavelenth, sizeof r.wavelenth);
@@ -255,7 +245,7 @@ int run(int argc, char** argv)
     if (parseOptions(argc, argv, &options) != 0)
         return 2;
     const key_t key = Getkey();
-    const int id = key == -1 ? -1 : currentSegment(key);
+    const int id = key == -1 ? -1 : RecordFields::existingSegment(key);
     if (id == -1) {
         std::fprintf(stderr,
                      "opmrecord log: no shared segment for this folder (key 0x%08x); start the "
