@@ -20,19 +20,6 @@ namespace {
 const char kLogName[] = "reader.log";
 const int kFolderTries = 20;
 
-void sleepMs(long ms)
-{
-    const struct timespec period = { ms / 1000, (ms % 1000) * 1000000L };
-    nanosleep(&period, nullptr);
-}
-
-long long nowMs()
-{
-    struct timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
-}
-
 std::string scratchTemplate()
 {
     const char* tmp = std::getenv("TMPDIR");
@@ -77,6 +64,19 @@ void execInFolder(const std::string& folder, const std::vector<std::string>& com
 }
 
 } // namespace
+
+void sleepMs(long ms)
+{
+    const struct timespec period = { ms / 1000, (ms % 1000) * 1000000L };
+    nanosleep(&period, nullptr);
+}
+
+long long nowMs()
+{
+    struct timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
 
 std::string commandPathFrom(const std::string& currentFolder, const std::string& program)
 {

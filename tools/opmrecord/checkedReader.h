@@ -46,6 +46,10 @@ private:
     std::string m_ended;
 };
 
+// The check's clock: milliseconds on the monotonic clock, and a pause of so many.
+long long nowMs();
+void sleepMs(long ms);
+
 // The program's path as the scratch folder sees it: a relative path with a slash is made
 // absolute against the current folder; a bare name is left for PATH.
 std::string commandPathFrom(const std::string& currentFolder, const std::string& program);

@@ -51,19 +51,6 @@ volatile sig_atomic_t g_interrupted = 0;
 
 void onInterrupt(int) { g_interrupted = 1; }
 
-long long nowMs()
-{
-    struct timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
-}
-
-void sleepMs(long ms)
-{
-    const struct timespec period = { ms / 1000, (ms % 1000) * 1000000L };
-    nanosleep(&period, nullptr);
-}
-
 std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
 std::string format(const char* pattern, ...)
 {
