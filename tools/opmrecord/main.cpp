@@ -34,13 +34,13 @@ struct Options
 void printUsage(std::FILE* out)
 {
     std::fputs("usage: opmrecord [--follow [--interval MS]] [--set FIELD=VALUE ...]\n"
-               "       opmrecord check [--junit FILE] [--retune-ms MS] -- READER [ARG...]\n"
                "Prints the optical power meter's shared record of the current folder.\n"
                "  --follow          print one line per sample until Ctrl-C\n"
                "  --interval MS     sample period of --follow (20..60000, default 500)\n"
                "  --set F=V         set one field (repeatable); all are checked first\n"
                "Fields: wavelenth unit value flag pid deviceType wavelenthTarget needSave\n",
                out);
+    std::fputs(ReaderCheck::kUsage, out);
     std::fputs(TrendLog::kUsage, out);
     std::fputs(TrendChart::kUsage, out);
 }

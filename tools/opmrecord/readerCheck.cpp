@@ -23,6 +23,14 @@
 #include <sys/shm.h>
 #include <unistd.h>
 
+const char ReaderCheck::kUsage[] =
+    "usage: opmrecord check [--junit FILE] [--retune-ms MS] -- READER [ARG...]\n"
+    "  starts READER in a scratch folder of its own, plays the page's side of the shared\n"
+    "  record and tells whether the reader keeps the record's contract\n"
+    "  --junit FILE      also write the verdicts as JUnit XML\n"
+    "  --retune-ms MS    bound for a wavelength change (100..60000, default 2000)\n"
+    "  exit status: 0 all checks passed, 1 a check failed, 2 usage or start failed\n";
+
 namespace {
 
 const long kSampleMs = 20;
@@ -520,16 +528,7 @@ struct Options
     std::vector<std::string> command;
 };
 
-void printUsage(std::FILE* out)
-{
-    std::fputs("usage: opmrecord check [--junit FILE] [--retune-ms MS] -- READER [ARG...]\n"
-               "Starts READER in a scratch folder of its own, plays the page's side of the\n"
-               "shared record and tells whether the reader keeps the record's contract.\n"
-               "  --junit FILE      also write the verdicts as JUnit XML\n"
-               "  --retune-ms MS    bound for a wavelength change (100..60000, default 2000)\n"
-               "Exit status: 0 all checks passed, 1 a check failed, 2 usage or start failed.\n",
-               out);
-}
+void printUsage(std::FILE* out) { std::fputs(ReaderCheck::kUsage, out); }
 
 // 0: run, 1: bad usage, 2: help shown.
 int parseOptions(int argc, char** argv, Options* options)

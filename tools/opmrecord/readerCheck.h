@@ -6,6 +6,8 @@
 // record against it and tells, check by check, whether it keeps the record's contract.
 namespace ReaderCheck {
 
+extern const char kUsage[];
+
 // argv[0] is "check". 0: every check passed; 1: a check failed; 2: bad usage, or the reader or
 // the report could not be started or written.
 int run(int argc, char** argv);
