@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QMap>
 #include <QMessageBox>
+#include <QProcess>
 #include <QStringList>
 #include <QWidget>
 
@@ -249,6 +250,20 @@ QByteArray StdoutCapture::take()
     std::fclose(m_file);
     m_file = 0;
     return text;
+}
+
+ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& folder)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.start(program, arguments);
+    const bool ended =
+        process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit;
+    ProgramRun run;
+    run.status = ended ? process.exitCode() : -1;
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
 }
 
 bool answerKeyPad(QWidget* box, const QString& entry)

@@ -140,6 +140,16 @@ private:
     std::FILE* m_file;
 };
 
+// A program run to its end in folder (30 s at most): its exit status, -1 when it did not end
+// or did not end normally, and what it printed.
+struct ProgramRun
+{
+    int status;
+    QByteArray out;
+    QByteArray err;
+};
+ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& folder);
+
 // The on-screen keypad: types entry and presses OK; "%OK%" presses OK on the proposed text, a
 // null entry types something and presses Cancel. False when box is not the keypad.
 bool answerKeyPad(QWidget* box, const QString& entry);

@@ -86,13 +86,10 @@ void TestTools::survivesHostileScenario()
 // Runs the shell stand-in to its end: its exit code, or -1 when it did not end normally.
 int TestTools::runShell(const QStringList& arguments)
 {
-    QProcess shell;
-    shell.setWorkingDirectory(m_dir.path());
-    shell.start(OPMSHELL_PATH, arguments);
-    const bool ended = shell.waitForFinished(30000) && shell.exitStatus() == QProcess::NormalExit;
-    m_out = QString::fromLocal8Bit(shell.readAllStandardOutput());
-    m_err = QString::fromLocal8Bit(shell.readAllStandardError());
-    return ended ? shell.exitCode() : -1;
+    const ProgramRun shell = runProgram(OPMSHELL_PATH, arguments, m_dir.path());
+    m_out = QString::fromLocal8Bit(shell.out);
+    m_err = QString::fromLocal8Bit(shell.err);
+    return shell.status;
 }
 
 void TestTools::refusesPlugin_data()

@@ -125,14 +125,10 @@ private:
 
 int TestTrend::run(const QStringList& arguments, const QString& folder)
 {
-    QProcess process;
-    process.setWorkingDirectory(folder);
-    process.start(OPMRECORD_PATH, arguments);
-    const bool ended =
-        process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit;
-    m_out = process.readAllStandardOutput();
-    m_err = process.readAllStandardError();
-    return ended ? process.exitCode() : -1;
+    const ProgramRun opmrecord = runProgram(OPMRECORD_PATH, arguments, folder);
+    m_out = opmrecord.out;
+    m_err = opmrecord.err;
+    return opmrecord.status;
 }
 
 bool TestTrend::writeFile(const QString& name, const QByteArray& data)
