@@ -70,11 +70,15 @@ else
 fi
 rm -f "$set_build_log"
 
-suite_names=passed
-bash scripts/check-suite-names.sh "$BUILD_DIR" "$QT4_BUILD_DIR" || suite_names=FAILED
+# Some suites exist only in the Qt 4 build: without it the docs' names cannot all be checked.
+suite_names=skipped
+if [[ $qt4 != skipped ]]; then
+    suite_names=passed
+    bash scripts/check-suite-names.sh "$BUILD_DIR" "$QT4_BUILD_DIR" || suite_names=FAILED
+fi
 
 echo "test.sh: format $format, suite names $suite_names, $BUILD_DIR $plain," \
      "$SANITIZE_BUILD_DIR (sanitizers) $sanitized, $QT4_BUILD_DIR (Qt 4.8.4) $qt4," \
      "set build $set_build, bundle $release"
-[[ $format = passed && $suite_names = passed && $plain = passed && $sanitized = passed \
+[[ $format = passed && $suite_names != FAILED && $plain = passed && $sanitized = passed \
     && $qt4 != FAILED && $set_build != FAILED && $release != FAILED ]]
