@@ -117,16 +117,18 @@ void TestTrend::statistics_data()
                            "2026-03-14T09:27:12.500+01:00,1550,dBm,-4.53,-4.53,1,0\n"
                            "2026-03-14T03:27:23.750-05:00,1550,dBm,-4.46,-4.46,1,0\n"
                            "2026-03-14T09:27:37.000+01:00,1550,dBm,-4.497,-4.497,1,0\n"
-        + QByteArray(bad).replace("03-14", "02-29") + QByteArray(bad).replace("+01:00", "+0100")
-        + QByteArray(bad).replace(".000", "") + QByteArray(bad).replace("-9.99,1", "nan,1")
-        + QByteArray(bad).replace(",1,0", ",1.5,0") + QByteArray(bad).replace(",0\n", ",0,0\n")
-        + QByteArray(bad).replace(",1550,", ",\"1550,") + QByteArray(bad).replace("dBm", "\xb5W")
+        + QByteArray(bad).replace("03-14", "02-29") + QByteArray(bad).replace("03-14", "13-14")
+        + QByteArray(bad).replace("-9.99,1", "-9.99x,1")
+        + QByteArray(bad).replace("+01:00", "+0100") + QByteArray(bad).replace(".000", "")
+        + QByteArray(bad).replace("-9.99,1", "nan,1") + QByteArray(bad).replace(",1,0", ",1.5,0")
+        + QByteArray(bad).replace(",0\n", ",0,0\n") + QByteArray(bad).replace(",1550,", ",\"1550,")
+        + QByteArray(bad).replace("dBm", "\xb5W")
         + QByteArray(bad).replace("dBm", QByteArray("d\0m", 3))
         + QByteArray(bad).replace("-9.99,1", "-9.99" + QByteArray(1100, ' ') + ",1");
     addRow("five readings among rows to skip", log,
            "1550 nm: 5 readings over 0:00:44, min -4.530 max -4.460 mean -4.495 std 0.0269 dB, "
            "drift +1.3066 dB/h\n9 rows, 4 without a reading in dBm\n",
-           "opmrecord chart: 10 lines skipped (not a trend log row)\n");
+           "opmrecord chart: 12 lines skipped (not a trend log row)\n");
     addRow("one reading, quoted wavelength",
            QByteArray("2026-03-14T09:26:53.000+01:00,\"1,5\"\"5\",dBm,-17.083,-17.083,1,0\n"),
            "1,5\"5: 1 readings over 0:00:00, min -17.083 max -17.083 mean -17.083 std 0.0000 dB, "
