@@ -35,7 +35,7 @@ target_compile_definitions(tst_readercheck PRIVATE
     BROKENREADER_PATH="$<TARGET_FILE:brokenReader>")
 add_dependencies(tst_readercheck opmrecord lumenProbe brokenReader)
 
-# The inspector's trend log and chart: the figures on their own, the programs as they run.
+# The inspector's trend log and chart as they run; the library reads their files back.
 opm_add_test(tst_trend tools/tst_trend.cpp)
 target_link_libraries(tst_trend PRIVATE opmrecordtrend)
 target_compile_definitions(tst_trend PRIVATE OPMRECORD_PATH="$<TARGET_FILE:opmrecord>")
