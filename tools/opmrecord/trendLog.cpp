@@ -136,7 +136,7 @@ bool writeLine(std::FILE* file, const std::string& line)
 // (the power went) is ended first and the header is written only to an empty file.
 std::FILE* openLog(const Options& o)
 {
-    const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (o.append ? O_APPEND : O_EXCL);
+    const int flags = O_RDWR | O_CREAT | O_CLOEXEC | (o.append ? O_APPEND : O_EXCL);
     const int fd = open(o.path.c_str(), flags, 0644);
     if (fd == -1) {
         if (errno == EEXIST)
