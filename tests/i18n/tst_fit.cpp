@@ -118,10 +118,9 @@ class TestFit : public QObject
 private slots:
     void everyTextFits_data()
     {
-        QTest::addColumn<QString>("lang");
-        foreach (const QString& lang,
-                 QString::fromLatin1("en de es fr ru zh_CN").split(QLatin1Char(' ')))
-            QTest::newRow(qPrintable(lang)) << lang;
+        addColumns<QString>("lang");
+        foreach (const QString& lang, QString("en de es fr ru zh_CN").split(' '))
+            addRow(lang, lang);
     }
     void everyTextFits()
     {

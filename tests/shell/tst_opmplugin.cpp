@@ -20,21 +20,12 @@
 
 namespace {
 
-// While it lives, the shell takes ms to start the reader.
-class SlowReaderStart
+// From here until cleanup(), the shell takes ms to start the reader.
+void slowReaderStart(int ms)
 {
-public:
-    explicit SlowReaderStart(int ms)
-    {
-        setenv("SLOW_READER_START_MS", QByteArray::number(ms).constData(), 1);
-        setenv("LD_PRELOAD", SLOW_READER_START_LIBRARY, 1);
-    }
-    ~SlowReaderStart()
-    {
-        unsetenv("LD_PRELOAD");
-        unsetenv("SLOW_READER_START_MS");
-    }
-};
+    setenv("SLOW_READER_START_MS", QByteArray::number(ms).constData(), 1);
+    setenv("LD_PRELOAD", SLOW_READER_START_LIBRARY, 1);
+}
 
 // The library goes into the system's shell only where both are built for the same word size
 // (not in the 32-bit set build run on a 64-bit PC).
@@ -86,6 +77,8 @@ void TestOpmPlugin::init()
 
 void TestOpmPlugin::cleanup()
 {
+    unsetenv("LD_PRELOAD");
+    unsetenv("SLOW_READER_START_MS");
     delete m_instance.data();
     m_boxes.reset();
     m_root.reset();
@@ -208,33 +201,27 @@ void TestOpmPlugin::slowReaderStarts()
 {
     if (!shellTakesLibrary())
         OPM_SKIP("the system's shell cannot take the slow-start library here");
-    std::unique_ptr<COpmMainPage> page;
-    {
-        const int slowMs = 30;
-        SlowReaderStart slow(slowMs);
-        page.reset(new COpmMainPage);
-        for (int i = 0; i < 40; ++i) {
-            page->enterInit();
-            page->enterInit();
-            // A start the shell has not carried out yet would show up within slowMs.
-            QTest::qWait(slowMs + 10);
-            QVERIFY2(m_root->readersSettleAt(1),
-                     qPrintable(QString("%1 readers after sequence %2")
-                                    .arg(m_root->runningReaders().size())
-                                    .arg(i)));
-        }
-        QTest::qWait(3 * slowMs);
-        QCOMPARE(m_root->runningReaders().size(), 1);
-    }
-    int atReturn = 0;
-    QByteArray trace;
-    {
-        SlowReaderStart slow(3000);
-        StdoutCapture capture;
+    const int slowMs = 30;
+    slowReaderStart(slowMs);
+    std::unique_ptr<COpmMainPage> page(new COpmMainPage);
+    for (int i = 0; i < 40; ++i) {
         page->enterInit();
-        atReturn = m_root->runningReaders().size();
-        trace = capture.take();
+        page->enterInit();
+        // A start the shell has not carried out yet would show up within slowMs.
+        QTest::qWait(slowMs + 10);
+        QVERIFY2(m_root->readersSettleAt(1),
+                 qPrintable(QString("%1 readers after sequence %2")
+                                .arg(m_root->runningReaders().size())
+                                .arg(i)));
     }
+    QTest::qWait(3 * slowMs);
+    QCOMPARE(m_root->runningReaders().size(), 1);
+
+    slowReaderStart(3000);
+    StdoutCapture capture;
+    page->enterInit();
+    const int atReturn = m_root->runningReaders().size();
+    const QByteArray trace = capture.take();
     const bool came = m_root->readersSettleAt(1);
     page.reset();
     QVERIFY(m_root->readersSettleAt(0));
