@@ -142,12 +142,11 @@ private slots:
         screen.show();
         NerioOpm* page = P::setupTab(main);
         // The power meter in each unit, then the loss meter with its limits in dB/km (with length).
-        P::click(page, P::MW);
-        fits.check(page);
-        P::click(page, P::UW);
-        fits.check(page);
-        P::click(page, P::DBm);
-        fits.checkHeld(page);
+        const P::Button units[] = { P::MW, P::UW, P::DBm };
+        for (int i = 0; i < 3; ++i) {
+            P::click(page, units[i]);
+            fits.checkHeld(page);
+        }
         P::choose(page, P::Mode, 1);
         P::click(page, P::Limits);
         P::choose(page, P::LossUnit, 1);
