@@ -17,7 +17,7 @@ add_dependencies(tst_opmplugin opmplugin slowReaderStart)
 
 # The product's own device root, as the plug-in and the stand-alone program have it.
 opm_add_test(tst_devicepaths PRODUCT_ROOT shell/tst_devicepaths.cpp
-    ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp ${PROJECT_SOURCE_DIR}/src/readerProcess.cpp)
+    ${PROJECT_SOURCE_DIR}/src/devicePaths.cpp)
 target_compile_definitions(tst_devicepaths PRIVATE
     OPM_PRODUCT_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     OPM_PRODUCT_PROGRAM_FILE="$<TARGET_FILE:opm>"
