@@ -165,19 +165,16 @@ void TestReport::version_data()
     // vendor: null: no file
     addColumns<QByteArray, int, int, QByteArray>("vendor room status version");
 
-    QTest::newRow("first line from Common on")
-        << kVendor << 128 << 0 << QByteArray("Common 2.4.1\n");
-    QTest::newRow("no line break")
-        << QByteArray("v3 Common 3.0") << 128 << 0 << QByteArray("Common 3.0");
-    QTest::newRow("no Common in the first line")
-        << QByteArray("Brova 2.4.1\nCommon 9\n") << 128 << 0 << QByteArray();
+    addRow("first line from Common on", kVendor, 128, 0, QByteArray("Common 2.4.1\n"));
+    addRow("no line break", QByteArray("v3 Common 3.0"), 128, 0, QByteArray("Common 3.0"));
+    addRow("no Common in the first line", QByteArray("Brova 2.4.1\nCommon 9\n"), 128, 0,
+           QByteArray());
     // Only the first room - 1 characters of the first line are read.
-    QTest::newRow("1 MB line") << "Common " + QByteArray(1 << 20, 'x') << 128 << 0
-                               << "Common " + QByteArray(120, 'x');
-    QTest::newRow("Common too late") << QByteArray(127, 'x') + "Common 1\n"
-                                     << 128 << 0 << QByteArray();
-    QTest::newRow("no file") << QByteArray() << 128 << -1 << QByteArray();
-    QTest::newRow("no room") << kVendor << 0 << -2 << QByteArray();
+    addRow("1 MB line", "Common " + QByteArray(1 << 20, 'x'), 128, 0,
+           "Common " + QByteArray(120, 'x'));
+    addRow("Common too late", QByteArray(127, 'x') + "Common 1\n", 128, 0, QByteArray());
+    addRow("no file", QByteArray(), 128, -1, QByteArray());
+    addRow("no room", kVendor, 0, -2, QByteArray());
 }
 
 void TestReport::version()
@@ -202,13 +199,11 @@ void TestReport::names_data()
     // file: "%STAMP%": the proposed date-and-time name
     addColumns<QString, QString>("entry file");
 
-    QTest::newRow("proposed name") << "%OK%"
-                                   << "%STAMP%.html";
-    QTest::newRow("keypad cancelled") << QString() << "%STAMP%.html";
+    addRow("proposed name", "%OK%", "%STAMP%.html");
+    addRow("keypad cancelled", QString(), "%STAMP%.html");
     // The keypad takes at most 100 characters.
-    QTest::newRow("300 characters") << QString(300, 'n') << QString(100, 'n') + ".html";
-    QTest::newRow("slash into no folder") << "a/b"
-                                          << "";
+    addRow("300 characters", QString(300, 'n'), QString(100, 'n') + ".html");
+    addRow("slash into no folder", "a/b", "");
 }
 
 // The proposed name is the moment the keypad opened.
