@@ -12,13 +12,12 @@
 #include <cmath>
 #include <limits>
 
-enum Update { Constructed, Doubles, Ints };
+enum Update { Constructed, Doubles, Ints, Cleared };
 
 class TestOffsetBar : public QObject
 {
     Q_OBJECT
 private slots:
-    void labelsAndClear();
     void position_data();
     void position();
     void repaint_data();
@@ -27,50 +26,37 @@ private slots:
     void look();
 };
 
-void TestOffsetBar::labelsAndClear()
-{
-    OffsetBar bar;
-    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), QString("-60 10"));
-    bar.setRangedOffset(-1e15, 1e15, 0.0); // longer than 15 characters
-    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(),
-             QString("-1000000000000000.00 1000000000000000.00"));
-
-    // clear() keeps limits, value and labels: the marker is placed from the lower limit.
-    bar.setRangedOffset(-20.0, -10.0, -15.0);
-    bar.clear();
-    QCOMPARE(bar.percent(), 0);
-    QCOMPARE(bar.markerX(), 122);
-    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), QString("-20.00 -10.00"));
-
-    // Limits equal to the constructor's still get labels of their own.
-    OffsetBar fresh;
-    fresh.setRangedOffset(-60.0, 10.0, 0.0);
-    QCOMPARE(fresh.minLabel() + ' ' + fresh.maxLabel(), QString("-60.00 10.00"));
-}
-
 void TestOffsetBar::position_data()
 {
-    // update: which setRangedOffset, if any
-    addColumns<int, double, double, double, int, int>("update low high value percent markerX");
+    // update: which setRangedOffset, if any, or one then clear(), which keeps limits, value and
+    // labels and places the marker from the lower limit
+    addColumns<int, double, double, double, int, int, QString>(
+        "update low high value percent markerX labels");
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
+    const QString tens("-20.00 -10.00");
 
-    QTest::newRow("after construction: position 0, value 0, limits -60 and 10")
-        << int(Constructed) << 0.0 << 0.0 << 0.0 << 0 << 184;
-    QTest::newRow("lower limit") << int(Doubles) << -20.0 << -10.0 << -20.0 << 0 << 36;
-    QTest::newRow("middle") << int(Doubles) << -20.0 << -10.0 << -15.0 << 50 << 122;
-    QTest::newRow("upper limit") << int(Doubles) << -20.0 << -10.0 << -10.0 << 100 << 209;
-    QTest::newRow("1 below") << int(Doubles) << -20.0 << -10.0 << -21.0 << 0 << 19;
-    QTest::newRow("3 below: outer end") << int(Doubles) << -20.0 << -10.0 << -23.0 << 0 << 0;
-    QTest::newRow("1 above") << int(Doubles) << -20.0 << -10.0 << -9.0 << 100 << 226;
-    QTest::newRow("2 above: past 240") << int(Doubles) << -20.0 << -10.0 << -8.0 << 100 << 243;
-    QTest::newRow("2.1 above: outer end") << int(Doubles) << -20.0 << -10.0 << -7.9 << 100 << 240;
-    QTest::newRow("equal limits, below") << int(Doubles) << -10.0 << -10.0 << -11.0 << 0 << 0;
-    QTest::newRow("equal limits, above") << int(Doubles) << -10.0 << -10.0 << -9.0 << 100 << 240;
-    QTest::newRow("NaN value") << int(Doubles) << -20.0 << -10.0 << nan << 0 << 0;
-    QTest::newRow("infinite value") << int(Doubles) << -20.0 << -10.0 << inf << 100 << 240;
-    QTest::newRow("whole numbers, widest range")
-        << int(Ints) << double(INT_MIN) << double(INT_MAX) << double(INT_MAX) << 100 << 209;
+    addRow("after construction: position 0, value 0, limits -60 and 10", int(Constructed), 0.0, 0.0,
+           0.0, 0, 184, "-60 10");
+    // Limits equal to the constructor's still get labels of their own.
+    addRow("the built limits", int(Doubles), -60.0, 10.0, -12.347, 68, 153, "-60.00 10.00");
+    addRow("lower limit", int(Doubles), -20.0, -10.0, -20.0, 0, 36, tens);
+    addRow("middle", int(Doubles), -20.0, -10.0, -15.0, 50, 122, tens);
+    addRow("upper limit", int(Doubles), -20.0, -10.0, -10.0, 100, 209, tens);
+    addRow("1 below", int(Doubles), -20.0, -10.0, -21.0, 0, 19, tens);
+    addRow("3 below: outer end", int(Doubles), -20.0, -10.0, -23.0, 0, 0, tens);
+    addRow("1 above", int(Doubles), -20.0, -10.0, -9.0, 100, 226, tens);
+    addRow("2 above: past 240", int(Doubles), -20.0, -10.0, -8.0, 100, 243, tens);
+    addRow("2.1 above: outer end", int(Doubles), -20.0, -10.0, -7.9, 100, 240, tens);
+    addRow("cleared", int(Cleared), -20.0, -10.0, -15.0, 0, 122, tens);
+    addRow("equal limits, below", int(Doubles), -10.0, -10.0, -11.0, 0, 0, "-10.00 -10.00");
+    addRow("equal limits, above", int(Doubles), -10.0, -10.0, -9.0, 100, 240, "-10.00 -10.00");
+    addRow("NaN value", int(Doubles), -20.0, -10.0, nan, 0, 0, tens);
+    addRow("infinite value", int(Doubles), -20.0, -10.0, inf, 100, 240, tens);
+    addRow("labels longer than 15 characters", int(Doubles), -1e15, 1e15, 0.0, 50, 122,
+           "-1000000000000000.00 1000000000000000.00");
+    addRow("whole numbers, widest range", int(Ints), double(INT_MIN), double(INT_MAX),
+           double(INT_MAX), 100, 209, "-2147483648.00 2147483647.00");
 }
 
 void TestOffsetBar::position()
@@ -81,14 +67,18 @@ void TestOffsetBar::position()
     QFETCH(double, value);
     QFETCH(int, percent);
     QFETCH(int, markerX);
+    QFETCH(QString, labels);
 
     OffsetBar bar;
-    if (update == Doubles)
+    if (update == Doubles || update == Cleared)
         bar.setRangedOffset(low, high, value);
     else if (update == Ints)
         bar.setRangedOffset(int(low), int(high), int(value));
+    if (update == Cleared)
+        bar.clear();
     QCOMPARE(bar.percent(), percent);
     QCOMPARE(bar.markerX(), markerX);
+    QCOMPARE(bar.minLabel() + ' ' + bar.maxLabel(), labels);
     // The blue marker, 5 pixels wide, starts where markerX() says.
     const QImage image = TestCompat::grab(&bar).toImage();
     QCOMPARE(QColor(image.pixel(markerX, 12)), QColor(Qt::blue));
@@ -114,21 +104,11 @@ void TestOffsetBar::repaint_data()
     // before: low high value
     // repainted: nothing, markers or all
     addColumns<QString, QString, QString>("before after repainted");
-    QTest::newRow("same reading") << "-60 10 -12.34"
-                                  << "-60 10 -12.34"
-                                  << "nothing";
-    QTest::newRow("reading moves less than a pixel") << "-60 10 -12.34"
-                                                     << "-60 10 -12.35"
-                                                     << "nothing";
-    QTest::newRow("marker moves") << "-60 10 -12"
-                                  << "-60 10 -5"
-                                  << "markers";
-    QTest::newRow("further below the lower limit") << "-20 -10 -21"
-                                                   << "-20 -10 -22"
-                                                   << "markers";
-    QTest::newRow("new limits, marker in place") << "-60 10 -25"
-                                                 << "-70 0 -35"
-                                                 << "all";
+    addRow("same reading", "-60 10 -12.34", "-60 10 -12.34", "nothing");
+    addRow("reading moves less than a pixel", "-60 10 -12.34", "-60 10 -12.35", "nothing");
+    addRow("marker moves", "-60 10 -12", "-60 10 -5", "markers");
+    addRow("further below the lower limit", "-20 -10 -21", "-20 -10 -22", "markers");
+    addRow("new limits, marker in place", "-60 10 -25", "-70 0 -35", "all");
 }
 
 void TestOffsetBar::repaint()
@@ -167,30 +147,11 @@ const QColor kUnpainted(Qt::red); // a colour the bar never draws
 const QColor kPink(252, 223, 215);
 const QColor kGreen(204, 255, 153);
 
-// The bar painted into an image: all of it, or only `places` over what the image holds.
-void paintInto(QImage& image, OffsetBar& bar, const QRegion& places = QRegion())
-{
-    if (places.isEmpty())
-        bar.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
-    else
-        bar.render(&image, places.boundingRect().topLeft(), places, QWidget::DrawChildren);
-}
-
-QRect markerPlace(int x) { return QRect(x, 1, 5, 24); }
-
-QPoint firstDifference(const QImage& a, const QImage& b)
-{
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x)
-            if (a.pixel(x, y) != b.pixel(x, y))
-                return QPoint(x, y);
-    return QPoint(-1, -1);
-}
-
 } // namespace
 
 // What the bar shows for limits -20 and -10, painted whole at `from`, or painted at `from` and
-// then, with the value at `to`, only where the marker was and is, as a moved marker repaints.
+// then, with the value at `to`, only where the marker was and is, as a moved marker repaints:
+// the same as the bar painted whole.
 void TestOffsetBar::look_data()
 {
     addColumns<double, double, QPoint, QColor>("from to place colour");
@@ -199,7 +160,6 @@ void TestOffsetBar::look_data()
 
     addRow("outline, top left", -15.0, whole, QPoint(0, 0), black);
     addRow("outline, bottom right", -15.0, whole, QPoint(245, 25), black);
-    addRow("outline, bottom", -15.0, whole, QPoint(100, 25), black);
     addRow("lower zone", -15.0, whole, QPoint(10, 12), kPink);
     addRow("upper zone", -15.0, whole, QPoint(220, 12), kPink);
     addRow("in range", -15.0, whole, QPoint(60, 12), kGreen);
@@ -208,11 +168,8 @@ void TestOffsetBar::look_data()
     addRow("inside the outline, right of the zones", -15.0, whole, QPoint(244, 12), white);
     addRow("right of the outline", -15.0, whole, QPoint(250, 12), white);
     addRow("between the bar and the labels", -15.0, whole, QPoint(100, 30), white);
-    addRow("moved into the lower zone: old place", -15.0, -21.0, QPoint(124, 12), kGreen);
-    addRow("moved into the lower zone: new place", -15.0, -21.0, QPoint(21, 12), blue);
-    addRow("moved into the lower zone: outline above", -15.0, -21.0, QPoint(21, 0), black);
-    addRow("moved across the centre: old place", -18.0, -12.0, QPoint(90, 12), kGreen);
-    addRow("moved across the centre: centre line", -18.0, -12.0, QPoint(121, 12), black);
+    addRow("moved into the lower zone", -15.0, -21.0, QPoint(21, 0), black);
+    addRow("moved across the centre", -18.0, -12.0, QPoint(121, 12), black);
 }
 
 void TestOffsetBar::look()
@@ -226,16 +183,17 @@ void TestOffsetBar::look()
     bar.setRangedOffset(-20.0, -10.0, from);
     QImage image(bar.size(), QImage::Format_ARGB32);
     image.fill(kUnpainted.rgba());
-    paintInto(image, bar);
+    bar.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
     if (!std::isnan(to)) {
         const int before = bar.markerX();
         bar.setRangedOffset(-20.0, -10.0, to);
         QVERIFY(bar.markerX() != before);
-        paintInto(image, bar, QRegion(markerPlace(before)) + markerPlace(bar.markerX()));
+        const QRegion places = QRegion(before, 1, 5, 24) + QRegion(bar.markerX(), 1, 5, 24);
+        bar.render(&image, places.boundingRect().topLeft(), places, QWidget::DrawChildren);
         QImage whole(bar.size(), QImage::Format_ARGB32);
         whole.fill(kUnpainted.rgba());
-        paintInto(whole, bar);
-        QCOMPARE(firstDifference(image, whole), QPoint(-1, -1));
+        bar.render(&whole, QPoint(), QRegion(), QWidget::DrawChildren);
+        QVERIFY(image == whole);
     }
     QCOMPARE(QColor(image.pixel(place)), colour);
 }

@@ -25,19 +25,14 @@ void TestFileFaults::settingsLost_data()
     // fails: the changes cannot be kept
     addColumns<bool, QString, QString, bool>("atStart blocked blocker fails");
 
-    QTest::newRow("binary file at start") << true << kSettingFile << "binary" << false;
-    QTest::newRow("folder is a file at start") << true << "/home/Setting"
-                                               << "file" << true;
-    QTest::newRow("home is a file at start") << true << "/home"
-                                             << "file" << true;
-    QTest::newRow("file deleted") << false << kSettingFile << "" << false;
-    QTest::newRow("folder deleted") << false << "/home/Setting"
-                                    << "" << false; // made again on writing
-    QTest::newRow("file is a folder") << false << kSettingFile << "folder" << true;
-    QTest::newRow("folder is a file") << false << "/home/Setting"
-                                      << "file" << true;
-    QTest::newRow("home is a file") << false << "/home"
-                                    << "file" << true;
+    addRow("binary file at start", true, kSettingFile, "binary", false);
+    addRow("folder is a file at start", true, "/home/Setting", "file", true);
+    addRow("home is a file at start", true, "/home", "file", true);
+    addRow("file deleted", false, kSettingFile, "", false);
+    addRow("folder deleted", false, "/home/Setting", "", false); // made again on writing
+    addRow("file is a folder", false, kSettingFile, "folder", true);
+    addRow("folder is a file", false, "/home/Setting", "file", true);
+    addRow("home is a file", false, "/home", "file", true);
 }
 
 // No key of the setup can be read: the page goes on with the defaults, and with its changes in

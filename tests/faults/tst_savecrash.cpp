@@ -18,7 +18,6 @@
 
 namespace {
 
-const QString kSettingDir = "/home/Setting";
 const QString kSettingFile = "/home/Setting/opmSetup.conf";
 const QString kResultDir = "/home/brova/brova-rslt/opm";
 const QString kReport = "/home/brova/brova-rslt/opm/route-7.html";
@@ -41,13 +40,6 @@ struct CrashRun
     bool killed;
     QStringList steps; // "<n> <call> <path>" of each counted call
 };
-
-QString leftCopies(const TestDeviceRoot& root)
-{
-    return QDir(root.file(kSettingDir))
-        .entryList(QStringList("opmSetup.conf.*"), QDir::Files | QDir::Hidden)
-        .join(" ");
-}
 
 // Whether the steps make `file` durable: its new contents synced before the rename that puts
 // them in place, the folder synced after it.
@@ -74,10 +66,8 @@ class TestSaveCrash : public QObject
 private slots:
     void init();
     void cleanup() { m_root.reset(); }
-    void startUpSave_data();
-    void startUpSave();
-    void reportExport_data();
-    void reportExport();
+    void everyStep_data();
+    void everyStep();
     void failedExportLeavesNothing_data();
     void failedExportLeavesNothing();
 
@@ -138,85 +128,69 @@ CrashRun TestSaveCrash::run(const QString& program, const QStringList& arguments
     return result;
 }
 
-void TestSaveCrash::startUpSave_data()
+void TestSaveCrash::everyStep_data()
 {
-    addColumns<QByteArray>("leftCopy");
-    addRow("stored setup", QByteArray());
+    // file: the setup saved at the start, or the report exported
+    // before: what it holds before the run (null: no file)
+    // leftCopy: a copy of the setup that a crash left beside it
+    addColumns<QString, QByteArray, QByteArray>("file before leftCopy");
+    addRow("stored setup", kSettingFile, kStoredSetup, QByteArray());
     // A copy that a crash left with other values must neither be read nor stay.
-    addRow("with a crash's copy", QByteArray("[COpmSetup]\nWavelength=850\nUNIT=dB\n"));
+    addRow("with a crash's copy", kSettingFile, kStoredSetup,
+           QByteArray("[COpmSetup]\nWavelength=850\nUNIT=dB\n"));
+    addRow("new report", kReport, QByteArray(), QByteArray());
+    addRow("over a report of that name", kReport, QByteArray("<html>an earlier report</html>"),
+           QByteArray());
 }
 
-// Ended at each step of the start-up save, the program leaves the stored setup whole, as it was
-// written or as the start rewrote it, and the next start restores every value of it.
-void TestSaveCrash::startUpSave()
+// Ended at each step of the save, the program leaves the file as it was before (or no file) or
+// whole as it writes it, never a part; after the start-up save the next start restores every
+// value of the setup and no copy stays.
+void TestSaveCrash::everyStep()
 {
+    QFETCH(QString, file);
+    QFETCH(QByteArray, before);
     QFETCH(QByteArray, leftCopy);
-    QStringList arguments;
+    const bool setup = file == kSettingFile;
 #ifdef Q_WS_QWS
-    arguments << "-qws";
+    const QStringList standAlone("-qws");
+#else
+    const QStringList standAlone;
 #endif
-    const QString program = STAND_ALONE_PATH;
-    const QString copy = kSettingFile + ".new-1-1";
-    QVERIFY(m_root->writeFile(kSettingFile, kStoredSetup));
-    const CrashRun whole = run(program, arguments, kSettingDir, 0, kStartSaved);
-    const QByteArray rewritten = m_root->readFile(kSettingFile);
-    QCOMPARE(setupLines(rewritten), setupLines(kStoredSetup));
-    QVERIFY2(madeDurable(whole.steps, m_root->file(kSettingFile)),
-             qPrintable(whole.steps.join("; ")));
+    const QString program = setup ? STAND_ALONE_PATH : REPORT_EXPORT_PATH;
+    const QStringList arguments = setup ? standAlone : QStringList(m_root->file(kReport));
+    const QString dir = QFileInfo(file).path();
+    const QByteArray until = setup ? kStartSaved : QByteArray();
+    QVERIFY(QDir().mkpath(m_root->file(dir)));
+    QVERIFY(before.isNull() || m_root->writeFile(file, before));
+    const CrashRun whole = run(program, arguments, dir, 0, until);
+    const QByteArray written = m_root->readFile(file);
+    QVERIFY(setup ? setupLines(written) == setupLines(kStoredSetup)
+                  : written.endsWith("</body>\n</html>"));
+    QVERIFY2(madeDurable(whole.steps, m_root->file(file)), qPrintable(whole.steps.join("; ")));
 
     bool oldSeen = false, newSeen = false;
     for (int at = 1; at <= whole.steps.size(); ++at) {
         const QString step = whole.steps.at(at - 1);
-        QVERIFY(m_root->writeFile(kSettingFile, kStoredSetup));
-        QVERIFY(leftCopy.isEmpty() || m_root->writeFile(copy, leftCopy));
-        QVERIFY2(run(program, arguments, kSettingDir, at, kStartSaved).killed, qPrintable(step));
-        const QByteArray left = m_root->readFile(kSettingFile);
-        oldSeen |= left == kStoredSetup;
-        newSeen |= left == rewritten;
-        QVERIFY2(left == kStoredSetup || left == rewritten,
+        QFile::remove(m_root->file(file));
+        QVERIFY(before.isNull() || m_root->writeFile(file, before));
+        QVERIFY(leftCopy.isNull() || m_root->writeFile(kSettingFile + ".new-1-1", leftCopy));
+        QVERIFY2(run(program, arguments, dir, at, until).killed, qPrintable(step));
+        const QByteArray left = m_root->readFile(file);
+        oldSeen |= left == before;
+        newSeen |= timeless(left) == timeless(written);
+        QVERIFY2(left == before || timeless(left) == timeless(written),
                  qPrintable(step + " left: " + QString::fromLatin1(left)));
-
+        if (!setup)
+            continue;
         StdoutCapture trace;
         COpmSetupConfig nextStart;
         trace.take();
         QCOMPARE(nextStart.mreference1550, QString("-12.402"));
         QCOMPARE(setupLines(m_root->readFile(kSettingFile)), setupLines(kStoredSetup));
-        QCOMPARE(leftCopies(*m_root), QString());
-    }
-    QVERIFY(oldSeen && newSeen);
-}
-
-void TestSaveCrash::reportExport_data()
-{
-    addColumns<QByteArray>("before");
-    addRow("new name", QByteArray());
-    addRow("over a report of that name", QByteArray("<html>an earlier report</html>"));
-}
-
-// Ended at each step of an export, the report's name holds the report from before (or nothing)
-// or the whole new one, never a part.
-void TestSaveCrash::reportExport()
-{
-    QFETCH(QByteArray, before);
-    const QString program = REPORT_EXPORT_PATH;
-    const QStringList arguments(m_root->file(kReport));
-    QVERIFY(QDir().mkpath(m_root->file(kResultDir)));
-    const CrashRun whole = run(program, arguments, kResultDir, 0);
-    const QByteArray report = m_root->readFile(kReport);
-    QVERIFY(report.endsWith("</body>\n</html>"));
-    QVERIFY2(madeDurable(whole.steps, m_root->file(kReport)), qPrintable(whole.steps.join("; ")));
-
-    bool oldSeen = false, newSeen = false;
-    for (int at = 1; at <= whole.steps.size(); ++at) {
-        const QString step = whole.steps.at(at - 1);
-        QFile::remove(m_root->file(kReport));
-        QVERIFY(before.isEmpty() || m_root->writeFile(kReport, before));
-        QVERIFY2(run(program, arguments, kResultDir, at).killed, qPrintable(step));
-        const QByteArray left = m_root->readFile(kReport);
-        oldSeen |= left == before;
-        newSeen |= timeless(left) == timeless(report);
-        QVERIFY2(left == before || timeless(left) == timeless(report),
-                 qPrintable(step + QString(" left %1 bytes").arg(left.size())));
+        const QDir folder(m_root->file(dir));
+        QCOMPARE(folder.entryList(QStringList("opmSetup.conf.*"), QDir::Files | QDir::Hidden),
+                 QStringList());
     }
     QVERIFY(oldSeen && newSeen);
 }
