@@ -110,7 +110,7 @@ void TestTools::plugins()
     const ProgramRun shell = runProgram(OPMSHELL_PATH, arguments, m_dir.path());
     QCOMPARE(shell.status, status);
     QVERIFY2((shell.out + shell.err).contains(said.toLatin1()), shell.err.constData());
-    QCOMPARE(shell.out.contains("loaded"), status == 0);
+    QCOMPARE(bool(shell.out.contains("loaded")), status == 0);
 }
 
 QTEST_MAIN(TestTools)
