@@ -7,7 +7,8 @@
 # clean clones, compared and installed (scripts/release-check.sh). Arguments go to ctest in
 # every run.
 # Before the builds it checks the format (scripts/check-format.sh); after them, that the docs and
-# scripts name only suites that ctest lists (scripts/check-suite-names.sh).
+# scripts name only suites that ctest lists, and docs/robustness.md only tests the suites list
+# (scripts/check-suite-names.sh).
 # Fails when any run or check fails; a missing Qt 4 skips its runs with a line saying why.
 set -euo pipefail
 cd "$(dirname "$0")/.."
