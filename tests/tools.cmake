@@ -29,6 +29,7 @@ add_executable(brokenReader tools/brokenReader.cpp)
 target_link_libraries(brokenReader PRIVATE opmshare)
 set_target_properties(brokenReader PROPERTIES AUTOMOC OFF)
 opm_add_test(tst_readercheck tools/tst_readercheck.cpp)
+target_link_libraries(tst_readercheck PRIVATE opmcheckedreader)
 target_compile_definitions(tst_readercheck PRIVATE
     OPMRECORD_PATH="$<TARGET_FILE:opmrecord>"
     LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"

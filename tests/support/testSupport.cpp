@@ -1,6 +1,7 @@
 #include "testSupport.h"
 
 #include "devicePaths.h"
+#include "keyClaim.h"
 #include "readerProcess.h"
 
 #include <QAbstractButton>
@@ -76,8 +77,8 @@ namespace {
 char g_root[4096] = "";
 
 // Keys come from a folder's inode and may repeat between folders: take a folder whose key no
-// other suite running beside this one (or a crashed earlier run) holds a segment for.
-TestCompat::TempDir* folderWithOwnSegment()
+// other suite or reader check running beside this one (nor a crashed earlier run) holds.
+TestCompat::TempDir* folderWithOwnSegment(KeyClaim* claim)
 {
     std::vector<std::unique_ptr<TestCompat::TempDir> > taken;
     for (int attempt = 0; attempt < 64; ++attempt) {
@@ -85,8 +86,10 @@ TestCompat::TempDir* folderWithOwnSegment()
         if (!dir->isValid())
             return dir.release();
         const key_t key = ftok(QFile::encodeName(dir->path()).constData(), 1);
-        if (key != -1 && shmget(key, kOpmShareSegmentSize, IPC_CREAT | IPC_EXCL | 0666) != -1)
+        if (key != -1 && claim->take(key)
+            && shmget(key, kOpmShareSegmentSize, IPC_CREAT | IPC_EXCL | 0666) != -1)
             return dir.release();
+        claim->release();
         taken.push_back(std::move(dir));
     }
     qFatal("no folder with a shared-memory key of its own");
@@ -98,7 +101,8 @@ TestCompat::TempDir* folderWithOwnSegment()
 // The tests' device root: whatever folder the running TestDeviceRoot stands for.
 const char* deviceRoot() { return g_root; }
 
-TestDeviceRoot::TestDeviceRoot() : m_dir(folderWithOwnSegment()), m_standIn(false)
+TestDeviceRoot::TestDeviceRoot()
+    : m_claim(new KeyClaim), m_dir(folderWithOwnSegment(m_claim.get())), m_standIn(false)
 {
     if (!isValid())
         return;

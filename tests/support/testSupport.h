@@ -53,6 +53,8 @@ QStringList storedSetup();
 QString storedValue(const QString& key);
 QStringList setupLines(const QByteArray& text);
 
+class KeyClaim;
+
 // A device root of the test's own: a temporary folder standing for "/", which is also the
 // working directory (so the shared-memory key is the test's own: the folder is chosen so that
 // it owns a fresh segment). The segment is removed and the previous working directory
@@ -82,6 +84,7 @@ private:
     TestDeviceRoot(const TestDeviceRoot&);
     TestDeviceRoot& operator=(const TestDeviceRoot&);
 
+    std::unique_ptr<KeyClaim> m_claim; // given up after the segment and the folder are gone
     std::unique_ptr<TestCompat::TempDir> m_dir;
     QByteArray m_previousCwd;
     mutable bool m_standIn;

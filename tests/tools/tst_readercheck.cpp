@@ -1,13 +1,22 @@
 // opmrecord check, run as a reader's maker runs it: the simulated reader and a reader that keeps
 // the contract pass; each broken reader fails the check of the rule it breaks and no other; a
-// reader that cannot start or dies at once ends the check with a clear message.
+// reader that cannot start or dies at once ends the check with a clear message. Checks running
+// at once never share a record key.
+#include "checkedReader.h"
 #include "qtCompat.h"
 #include "testSupport.h"
 
+#include <QDir>
 #include <QFile>
 #include <QHash>
 #include <QProcess>
 #include <QtTest>
+
+#include <memory>
+
+#include <sys/ipc.h>
+#include <sys/shm.h>
+#include <sys/stat.h>
 
 class TestReaderCheck : public QObject
 {
@@ -17,6 +26,7 @@ private slots:
     void verdicts_data();
     void verdicts();
     void junitNamesTheFailure();
+    void scratchKeysAreNeverShared();
     void cleanupTestCase();
 
 private:
@@ -121,6 +131,50 @@ void TestReaderCheck::junitNamesTheFailure()
     QCOMPARE(xml.count("<failure "), 1);
     QVERIFY2(xml.contains("name=\"value\">\n      <failure message=\"value &quot;-4,"),
              xml.constData());
+}
+
+// As where folders' keys repeat most: two keys for every folder there is.
+key_t oneOfTwoKeys(const char* folder)
+{
+    struct stat info;
+    return stat(folder, &info) == 0 ? key_t(0x7e000000 | (info.st_ino & 1)) : key_t(-1);
+}
+
+void TestReaderCheck::scratchKeysAreNeverShared()
+{
+    TestCompat::TempDir tmp;
+    struct TmpDir
+    {
+        explicit TmpDir(const QString& path) : previous(qgetenv("TMPDIR"))
+        {
+            qputenv("TMPDIR", QFile::encodeName(path));
+        }
+        ~TmpDir() { previous.isNull() ? unsetenv("TMPDIR") : setenv("TMPDIR", previous, 1); }
+        const QByteArray previous;
+    } scratchIn(tmp.path());
+    const QDir scratch(tmp.path(), "opmrecord-check-*", QDir::Name, QDir::Dirs);
+    std::string error;
+
+    std::unique_ptr<CheckedReader> first(new CheckedReader(oneOfTwoKeys));
+    QVERIFY(first->prepare(&error));
+    const key_t firstKey = first->key();
+    CheckedReader second(oneOfTwoKeys);
+    QVERIFY(second.prepare(&error));
+    QCOMPARE(second.key(), key_t(firstKey ^ 1));
+    CheckedReader third(oneOfTwoKeys);
+    QVERIFY(!third.prepare(&error));
+    QCOMPARE(QString::fromStdString(error), QString("no scratch folder with a key of its own"));
+    QCOMPARE(scratch.entryList().size(), 2);
+
+    first.reset();
+    // A segment that no check made holds its key as well, as a running page's does.
+    const int segment = shmget(firstKey, 64, IPC_CREAT | IPC_EXCL | 0600);
+    QVERIFY(segment != -1);
+    const bool heldBySegment = !third.prepare(&error);
+    shmctl(segment, IPC_RMID, nullptr);
+    QVERIFY(heldBySegment);
+    QVERIFY(third.prepare(&error));
+    QCOMPARE(third.key(), firstKey);
 }
 
 void TestReaderCheck::cleanupTestCase()

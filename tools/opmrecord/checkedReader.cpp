@@ -78,6 +78,8 @@ long long nowMs()
     return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
 
+key_t recordKeyOf(const char* folder) { return ftok(folder, 1); }
+
 std::string commandPathFrom(const std::string& currentFolder, const std::string& program)
 {
     if (program.empty() || program[0] == '/' || program.find('/') == std::string::npos)
@@ -101,23 +103,31 @@ CheckedReader::~CheckedReader()
 
 bool CheckedReader::prepare(std::string* error)
 {
-    for (int i = 0; i < kFolderTries; ++i) {
+    // A folder passed over is kept until one is found: removed, its inode and so its key could
+    // come straight back.
+    std::vector<std::string> passedOver;
+    bool madeFolders = true;
+    for (int i = 0; i < kFolderTries && m_folder.empty(); ++i) {
         std::string path = scratchTemplate();
         if (!mkdtemp(&path[0])) {
             *error = "cannot make a scratch folder from " + path + ": " + std::strerror(errno);
-            return false;
+            madeFolders = false;
+            break;
         }
-        const key_t key = ftok(path.c_str(), 1);
-        if (key != -1 && shmget(key, 0, 0) == -1) {
+        const key_t key = m_keyOf(path.c_str());
+        if (key != -1 && m_claim.take(key) && shmget(key, 0, 0) == -1) {
             m_folder = path;
             m_key = key;
-            return true;
+        } else {
+            m_claim.release();
+            passedOver.push_back(path);
         }
-        // Another folder's segment has this key: a folder of a different key is needed.
-        rmdir(path.c_str());
     }
-    *error = "no scratch folder with a key that no segment holds";
-    return false;
+    for (const std::string& folder : passedOver)
+        rmdir(folder.c_str());
+    if (m_folder.empty() && madeFolders)
+        *error = "no scratch folder with a key of its own";
+    return !m_folder.empty();
 }
 
 bool CheckedReader::start(const std::vector<std::string>& command, std::string* error)

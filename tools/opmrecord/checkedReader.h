@@ -1,24 +1,30 @@
 #ifndef CHECKEDREADER_H
 #define CHECKEDREADER_H
 
+#include "keyClaim.h"
+
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
+
+// A folder's record key as the page and the reader make it: ftok(folder, 1).
+key_t recordKeyOf(const char* folder);
 
 // A reader under check: started in a scratch folder of its own, so that its record has a key
 // of its own and never touches a running set's, and ended with its whole process group.
 class CheckedReader
 {
 public:
-    CheckedReader() = default;
+    // keyOf: how a folder's key is found; only a test gives another than recordKeyOf.
+    explicit CheckedReader(key_t (*keyOf)(const char*) = recordKeyOf) : m_keyOf(keyOf) { }
     CheckedReader(const CheckedReader&) = delete;
     CheckedReader& operator=(const CheckedReader&) = delete;
     // Ends a reader still running and removes the scratch folder and its segment.
     ~CheckedReader();
 
-    // Makes the scratch folder: one whose key no segment holds yet, so that the segment the
-    // check finds is the reader's own. False with *error set when there is none.
+    // Makes the scratch folder: one whose key no segment and no other claim holds, so that the
+    // segment the check finds is the reader's own. False with *error set when there is none.
     bool prepare(std::string* error);
     // Starts command in the scratch folder, its output going to a log there. False with *error
     // set when it cannot be started at all.
@@ -40,8 +46,10 @@ public:
 private:
     void noteStatus(int status);
 
+    key_t (*m_keyOf)(const char*);
     std::string m_folder;
     key_t m_key = -1;
+    KeyClaim m_claim;
     pid_t m_pid = -1;
     std::string m_ended;
 };
