@@ -4,16 +4,12 @@
 // What the suites need that Qt 4.8 and Qt 5.15 spell differently, or that only one of them has.
 // The suites build against both toolkits and use these instead.
 
-#include <QDir>
-#include <QFileInfo>
 #include <QPixmap>
+#include <QProcess>
 #include <QString>
+#include <QStringList>
 #include <QTest>
 #include <QWidget>
-
-#if QT_VERSION >= 0x050000
-#include <QTemporaryDir>
-#endif
 
 namespace TestCompat {
 
@@ -38,44 +34,32 @@ inline bool waitForShown(QWidget* widget)
 #endif
 }
 
-// Removes a folder and everything below it; true when there is no folder (a file stays), as
-// QDir::removeRecursively.
+// Removes a file, or a folder with everything below it.
 inline bool removeRecursively(const QString& path)
 {
-#if QT_VERSION >= 0x050000
-    return QDir(path).removeRecursively();
-#else
-    if (!QFileInfo(path).isDir())
-        return true;
-    const QFileInfoList entries = QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden
-                                                           | QDir::System | QDir::NoDotAndDotDot);
-    for (int i = 0; i < entries.size(); ++i) {
-        const QFileInfo& entry = entries.at(i);
-        const bool removed = entry.isDir() && !entry.isSymLink()
-            ? removeRecursively(entry.absoluteFilePath())
-            : QFile::remove(entry.absoluteFilePath());
-        if (!removed)
-            return false;
-    }
-    return QDir().rmdir(path);
-#endif
+    return QProcess::execute("rm",
+                             QStringList() << "-rf"
+                                           << "--" << path)
+        == 0;
 }
 
-// A fresh temporary folder, removed with everything in it when the object goes.
+// A fresh temporary folder named after the application (as Qt 5's QTemporaryDir names them),
+// removed with everything in it when the object goes.
 class TempDir
 {
 public:
     TempDir();
-    ~TempDir();
+    ~TempDir()
+    {
+        if (isValid())
+            removeRecursively(m_path);
+    }
     bool isValid() const { return !m_path.isEmpty(); }
     QString path() const { return m_path; }
 
 private:
     TempDir(const TempDir&);
     TempDir& operator=(const TempDir&);
-#if QT_VERSION >= 0x050000
-    QTemporaryDir m_dir;
-#endif
     QString m_path;
 };
 

@@ -2,7 +2,6 @@
 
 #include "devicePaths.h"
 #include "keyClaim.h"
-#include "readerProcess.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -17,6 +16,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -155,26 +155,17 @@ bool TestDeviceRoot::installReader(const QString& program) const
         && QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
-QList<QByteArray> TestDeviceRoot::runningReaders() const
-{
-    const QList<int> running = ReaderProcess::processes();
-    QList<QByteArray> pids;
-    for (int i = 0; i < running.size(); ++i)
-        pids << QByteArray::number(running[i]);
-    return pids;
-}
-
 // A reader may still be on its way from the shell to the program: the count is taken only once
 // every running reader has noted its start (the stand-in does, a real reader has no note), so
 // that one still starting cannot make it look right for a moment.
 bool TestDeviceRoot::readersSettleAt(int expected, int timeoutMs) const
 {
     for (int waited = 0; waited < timeoutMs; waited += 10) {
-        const QList<QByteArray> pids = runningReaders();
+        const QList<int> pids = runningReaders();
         const QList<QByteArray> started = readFile("/reader-starts").split('\n');
         bool allStarted = true;
-        for (int i = 0; i < pids.size(); ++i)
-            allStarted = allStarted && (!m_standIn || started.contains(pids[i]));
+        foreach (int pid, pids)
+            allStarted = allStarted && (!m_standIn || started.contains(QByteArray::number(pid)));
         if (allStarted && pids.size() == expected)
             return true;
         QTest::qWait(10);
@@ -244,13 +235,10 @@ QByteArray StdoutCapture::take()
     dup2(m_saved, STDOUT_FILENO);
     close(m_saved);
     m_saved = -1;
-    QByteArray text;
-    const long size = std::fseek(m_file, 0, SEEK_END) == 0 ? std::ftell(m_file) : 0;
-    if (size > 0) {
-        text.resize(int(size));
-        std::rewind(m_file);
-        text.resize(int(std::fread(text.data(), 1, size_t(text.size()), m_file)));
-    }
+    std::rewind(m_file);
+    QFile captured;
+    const QByteArray text = captured.open(m_file, QIODevice::ReadOnly) ? captured.readAll() : "";
+    captured.close();
     std::fclose(m_file);
     m_file = 0;
     return text;
@@ -285,25 +273,10 @@ bool answerKeyPad(QWidget* box, const QString& entry)
 
 TestCompat::TempDir::TempDir()
 {
-#if QT_VERSION >= 0x050000
-    if (m_dir.isValid())
-        m_path = m_dir.path();
-#else
-    // Named after the application, as QTemporaryDir does.
     QString application = QCoreApplication::applicationName();
     if (application.isEmpty())
         application = QString::fromLatin1("qt_temp");
-    QByteArray name = QFile::encodeName(QDir::tempPath() + QLatin1Char('/') + application
-                                        + QLatin1String("-XXXXXX"));
+    QByteArray name = QFile::encodeName(QDir::tempPath() + '/' + application + "-XXXXXX");
     if (mkdtemp(name.data()))
         m_path = QFile::decodeName(name);
-#endif
-}
-
-TestCompat::TempDir::~TempDir()
-{
-#if QT_VERSION < 0x050000
-    if (isValid())
-        removeRecursively(m_path);
-#endif
 }

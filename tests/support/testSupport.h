@@ -3,6 +3,7 @@
 
 #include "opmShareRecord.h"
 #include "qtCompat.h"
+#include "readerProcess.h"
 
 #include <QByteArray>
 #include <QList>
@@ -77,7 +78,7 @@ public:
     bool installReader(const QString& program = QString()) const;
     // The pids of the readers of this root that run now; waiting until exactly expected of them
     // run, each stand-in past its start.
-    QList<QByteArray> runningReaders() const;
+    QList<int> runningReaders() const { return ReaderProcess::processes(); }
     bool readersSettleAt(int expected, int timeoutMs = 20000) const;
 
 private:
