@@ -9,11 +9,7 @@
 
 #include <dlfcn.h>
 
-namespace {
-
-long g_delayMs = 0;
-
-} // namespace
+static long g_delayMs = 0;
 
 __attribute__((constructor)) static void readDelay()
 {
