@@ -133,8 +133,7 @@ host_helpers() {
         cmp -s "$host/$file" "$build_dir/$file" || cp -f "$host/$file" "$build_dir/$file"
     done
     # A fresh link replaces the script by the program, which then moves aside again.
-    for target in tools/opmshell/opmshell tools/opmrecord/opmrecord tests/opm_testroot \
-        tests/reportExportRun; do
+    for target in tools/opmshell/opmshell tools/opmrecord/opmrecord; do
         file=$build_dir/$target
         if is_i386 "$file" 2>/dev/null; then
             mv -f "$file" "$file.i386"

@@ -9,11 +9,9 @@ target_compile_options(slowReaderStart PRIVATE -fno-sanitize=all)
 target_link_options(slowReaderStart PRIVATE -fno-sanitize=all)
 
 opm_add_test(tst_opmplugin shell/tst_opmplugin.cpp)
-target_link_libraries(tst_opmplugin PRIVATE pluginverify)
 target_compile_definitions(tst_opmplugin PRIVATE
-    OPM_PLUGIN_FILE="$<TARGET_FILE:opmplugin>"
     SLOW_READER_START_LIBRARY="$<TARGET_FILE:slowReaderStart>")
-add_dependencies(tst_opmplugin opmplugin slowReaderStart)
+add_dependencies(tst_opmplugin slowReaderStart)
 
 # The product's own device root, as the plug-in and the stand-alone program have it.
 opm_add_test(tst_devicepaths PRODUCT_ROOT shell/tst_devicepaths.cpp

@@ -1,11 +1,132 @@
-// The settings file and the report folder unusable: at the start or taken away while the page
-// runs.
+// The files the page keeps unusable or cut short. The settings file and folder: unusable at the
+// start or taken away while the page runs. A crash or a power cut at every step of a save: the
+// setup's save at the start and a report export, each made once whole and then once per step in
+// a child of this process that is ended with SIGKILL at that step; what they leave is then read
+// as the next start or the operator would. The steps are the writes, fsyncs and renames below
+// the folder the save goes into, taken here: this program's own write(), fsync() and rename()
+// stand before the C library's for the product code and for Qt. The report's writes go through
+// stdio, which calls the library's own write(): they are not steps, and a report written under
+// its own name is still told by the crash at its fsync, which leaves the new report where the old
+// one must still be. An export that cannot be made.
+#include "opm.h"
+#include "opmDataEngine.h"
 #include "opmPageProbe.h"
+#include "opmReport.h"
+#include "opmSetupConfig.h"
+#include "plate2promserv.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegExp>
+
+#include <csignal>
+#include <cstring>
+#include <list>
+#include <string>
+
+#include <dlfcn.h>
+#include <limits.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+// While a save runs: the folder whose files count, as the product names it and as the kernel
+// does (no symbolic links); the step to be killed at (0: none); the steps so far.
+char g_dir[PATH_MAX] = "";
+char g_realDir[PATH_MAX] = "";
+int g_at = 0;
+QStringList g_steps;
+
+template <typename F>
+F next(const char* name)
+{
+    return reinterpret_cast<F>(dlsym(RTLD_NEXT, name));
+}
+
+bool isBelow(const char* dir, const char* path)
+{
+    const size_t length = std::strlen(dir);
+    return length > 0 && std::strncmp(path, dir, length) == 0
+        && (path[length] == '/' || path[length] == '\0');
+}
+
+bool counts(const char* path) { return isBelow(g_dir, path) || isBelow(g_realDir, path); }
+
+std::string pathOf(int fd)
+{
+    char path[PATH_MAX];
+    const ssize_t length =
+        readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), path, sizeof path - 1);
+    return std::string(path, length > 0 ? size_t(length) : 0);
+}
+
+// Notes a call on a file below the folder (a rename by the file it takes: the product renames
+// only within a folder); the one to be killed at never happens.
+void step(const char* call, const std::string& path)
+{
+    if (!counts(path.c_str()))
+        return;
+    g_steps
+        << QString("%1 %2 %3").arg(g_steps.size() + 1).arg(call, QFile::decodeName(path.c_str()));
+    if (g_steps.size() == g_at)
+        raise(SIGKILL);
+}
+
+} // namespace
+
+extern "C" {
+
+ssize_t write(int fd, const void* data, size_t size)
+{
+    step("write", pathOf(fd));
+    return next<ssize_t (*)(int, const void*, size_t)>("write")(fd, data, size);
+}
+
+int fsync(int fd)
+{
+    step("fsync", pathOf(fd));
+    return next<int (*)(int)>("fsync")(fd);
+}
+
+int rename(const char* from, const char* to)
+{
+    step("rename", std::string(from) + " -> " + to);
+    return next<int (*)(const char*, const char*)>("rename")(from, to);
+}
+
+} // extern "C"
 
 namespace {
 
 const QString kSettingFile = "/home/Setting/opmSetup.conf";
-const QByteArray kTrace = "COpmSetupConfig cannot write ";
+const QString kReport = "/home/brova/brova-rslt/opm/route-7.html";
+
+// A complete setup without a default in it, two of its values quoted as a hand would write
+// them: the start's rewrite of it differs from it byte for byte, and its values survive only if
+// one of the two survives whole.
+const QByteArray kStoredSetup = "[COpmSetup]\nWavelength=1490\nTestMode=LossMeter\nUNIT=mW\n"
+                                "PowerLimit=enable\nPowerLimitMinimum=-41.5\n"
+                                "PowerLimitMaximum=3.25\nLossUnit=db/km\nLossLength=2.7\n"
+                                "Reference850=-7.019\nReference1310=\"-3.217\"\n"
+                                "Reference1490=-4.863\nReference1550=\"-12.402\"\n"
+                                "Reference1625=-0.955\n";
+
+// Whether the steps make `file` durable: its new contents synced before the rename that puts
+// them in place, its folder (named as the kernel names it) synced after it.
+bool madeDurable(const QStringList& steps, const QString& file, const QString& folder)
+{
+    const int renamed = steps.indexOf(QRegExp("\\d+ rename .* -> " + QRegExp::escape(file)));
+    return renamed > 0 && steps.at(renamed - 1).contains(" fsync ")
+        && steps.indexOf(QRegExp("\\d+ fsync " + QRegExp::escape(folder)), renamed) > renamed;
+}
+
+// The report without the time it was written at, which differs from run to run.
+QByteArray timeless(QByteArray report)
+{
+    const QRegExp savedAt("Saved:</td><td>[^<]*");
+    return QString::fromLatin1(report).replace(savedAt, "Saved:</td><td>").toLatin1();
+}
 
 } // namespace
 
@@ -15,6 +136,15 @@ class TestFileFaults : public QObject
 private slots:
     void settingsLost_data();
     void settingsLost();
+    void everyStep_data();
+    void everyStep();
+    void failedExportLeavesNothing_data();
+    void failedExportLeavesNothing();
+
+private:
+    // The start-up save (file: the setup's) or an export into the root's `file`: made here, or
+    // in a child killed at its `at`th step (whether it was). The steps are left in g_steps.
+    bool save(const TestDeviceRoot& root, const QString& file, int at = 0);
 };
 
 void TestFileFaults::settingsLost_data()
@@ -66,7 +196,7 @@ void TestFileFaults::settingsLost()
     P::click(fx.page, P::MW);
     fx.show("1550", "-12.347");
     const QByteArray trace = capture.take();
-    QCOMPARE(trace.count(kTrace), fails ? 1 : 0);
+    QCOMPARE(trace.count("COpmSetupConfig cannot write "), fails ? 1 : 0);
     QCOMPARE(fx.reader.record()->wavelenthTarget, 3);
     QCOMPARE(P::reading(fx.page), QString("0.058251 mW"));
     QCOMPARE(fx.closer.count(), 0);
@@ -87,6 +217,108 @@ void TestFileFaults::settingsLost()
     QCOMPARE(storedValue("Wavelength") + ' ' + storedValue("UNIT") + ' ' + storedValue("PowerLimit")
                  + ' ' + storedValue("TestMode"),
              QString("1550 mW enable PowerMeter"));
+}
+
+bool TestFileFaults::save(const TestDeviceRoot& root, const QString& file, int at)
+{
+    const QByteArray dir = QFile::encodeName(QFileInfo(root.file(file)).path());
+    qstrncpy(g_dir, dir.constData(), sizeof g_dir);
+    if (!realpath(g_dir, g_realDir))
+        g_realDir[0] = '\0';
+    g_at = at;
+    g_steps.clear();
+    const pid_t child = at > 0 ? fork() : 0;
+    if (child == 0) {
+        StdoutCapture trace;
+        halmanager::PlatE2PromServ eeprom(root.path().toStdString());
+        const std::list<Result> results(CBrovaOpmDataEngine::kMaxResults, Result());
+        if (file == kSettingFile)
+            COpmSetupConfig start;
+        else
+            opmExportReport(QFile::encodeName(root.file(file)), results, eeprom);
+        if (at > 0)
+            _exit(0);
+    }
+    int status = 0;
+    const bool killed = child > 0 && waitpid(child, &status, 0) == child && WIFSIGNALED(status)
+        && WTERMSIG(status) == SIGKILL;
+    g_dir[0] = g_realDir[0] = '\0';
+    return killed;
+}
+
+void TestFileFaults::everyStep_data()
+{
+    // file: the setup saved at the start, or the report exported
+    // before: what it holds before the run (null: no file)
+    addColumns<QString, QByteArray>("file before");
+    addRow("stored setup", kSettingFile, kStoredSetup);
+    addRow("new report", kReport, QByteArray());
+    addRow("over a report of that name", kReport, QByteArray("<html>an earlier report</html>"));
+}
+
+// Ended at each step of the save, the program leaves the file as it was before (or no file) or
+// whole as it writes it, never a part; after the start-up save the next start restores every
+// value of the setup and takes away any copy the crash left.
+void TestFileFaults::everyStep()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, before);
+    const TestDeviceRoot root;
+    QVERIFY(root.isValid());
+    const bool setup = file == kSettingFile;
+    const QString dir = QFileInfo(file).path();
+    QVERIFY(QDir().mkpath(root.file(dir)));
+    QVERIFY(before.isNull() || root.writeFile(file, before));
+    save(root, file);
+    const QStringList steps = g_steps;
+    const QByteArray written = root.readFile(file);
+    QVERIFY(setup ? setupLines(written) == setupLines(kStoredSetup)
+                  : written.endsWith("</body>\n</html>"));
+    QVERIFY2(madeDurable(steps, root.file(file), QDir(root.file(dir)).canonicalPath()),
+             qPrintable(steps.join("; ")));
+
+    bool oldSeen = false, newSeen = false;
+    for (int at = 1; at <= steps.size(); ++at) {
+        QFile::remove(root.file(file));
+        QVERIFY(before.isNull() || root.writeFile(file, before));
+        QVERIFY2(save(root, file, at), qPrintable(steps.at(at - 1)));
+        const QByteArray left = root.readFile(file);
+        oldSeen |= left == before;
+        newSeen |= timeless(left) == timeless(written);
+        QVERIFY2(left == before || timeless(left) == timeless(written),
+                 qPrintable(steps.at(at - 1) + " left: " + QString::fromLatin1(left)));
+        if (!setup)
+            continue;
+        save(root, file);
+        QCOMPARE(setupLines(root.readFile(kSettingFile)), setupLines(kStoredSetup));
+        QCOMPARE(QDir(root.file(dir)).entryList(QStringList("opmSetup.conf.*"), QDir::Files),
+                 QStringList());
+    }
+    QVERIFY(oldSeen && newSeen);
+}
+
+void TestFileFaults::failedExportLeavesNothing_data()
+{
+    addColumns<QString, QString>("name taken");
+    // Into no folder at all: tst_report's names / "slash into no folder".
+    addRow("name held by a folder", kReport, kReport + "/kept");
+    addRow("folder replaced by a file", kReport + "/route-7.html", kReport);
+}
+
+// An export that cannot be made returns false, leaves what held the name and no part of itself.
+void TestFileFaults::failedExportLeavesNothing()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, taken);
+    const TestDeviceRoot root;
+    QVERIFY(root.isValid());
+    QVERIFY(root.writeFile(taken, "kept"));
+    halmanager::PlatE2PromServ eeprom(root.path().toStdString());
+    const bool exported =
+        opmExportReport(QFile::encodeName(root.file(name)), std::list<Result>(), eeprom);
+    QCOMPARE(exported, false);
+    QCOMPARE(root.readFile(taken), QByteArray("kept"));
+    QVERIFY(!QFile::exists(root.file(name + ".part")));
 }
 
 QTEST_MAIN(TestFileFaults)
