@@ -1,4 +1,4 @@
-// brokenReader [RULE]: a power reader that keeps the shared record's contract, or breaks exactly
+// brokenReader [--break RULE]: a power reader that keeps the shared record's contract, or breaks exactly
 // one rule of it, for the reader check's tests. Rules: wrong-key, small-segment, no-nul,
 // wavelength-unit, unit-case, comma-value, flag-3, slow, ignores-target, slow-retune,
 // clears-save, saves-unasked, dies-at-once. It runs until it is killed.
@@ -16,7 +16,7 @@
 
 int main(int argc, char** argv)
 {
-    const std::string broken = argc > 1 ? argv[1] : "";
+    const std::string broken = argc == 3 && std::string(argv[1]) == "--break" ? argv[2] : "";
     auto breaks = [&broken](const char* rule) { return broken == rule; };
     if (breaks("dies-at-once")) {
         std::fputs("brokenReader: optical module not found\n", stderr);

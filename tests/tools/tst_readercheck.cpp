@@ -32,7 +32,7 @@ struct Reader
 {
     const char* tag;
     const char* program;
-    const char* rule; // brokenReader's argument
+    const char* rule; // brokenReader --break RULE
     const char* failed; // the checks that fail, by name
     const char* said; // in what the check prints
     int status;
@@ -75,7 +75,7 @@ void TestReaderCheck::initTestCase()
                                          << "--junit" << m_junit.path() + '/' + reader.tag + ".xml";
         args << "--" << reader.program;
         if (*reader.rule)
-            args << reader.rule;
+            args << "--break" << reader.rule;
         QProcess* check = new QProcess(this);
         check->start(OPMRECORD_PATH, args);
         m_checks.insert(reader.tag, check);
