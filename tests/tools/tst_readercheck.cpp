@@ -98,11 +98,12 @@ void TestReaderCheck::verdicts()
     QVERIFY(check->waitForFinished(120000));
     const QString output =
         QString::fromLocal8Bit(check->readAllStandardOutput() + check->readAllStandardError());
+    // The summary first: when a verdict is wrong, the whole output is in the message.
+    QVERIFY2(output.contains(said), qPrintable(output));
     QStringList failures;
     foreach (const QString& line, output.split('\n').filter(QRegExp("^FAIL ")))
         failures << line.section(' ', 2, 2);
     QCOMPARE(failures.join(","), failed);
-    QVERIFY2(output.contains(said), qPrintable(output));
     QCOMPARE(check->exitCode(), status);
 }
 

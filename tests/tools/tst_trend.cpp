@@ -191,8 +191,9 @@ void TestTrend::logsRecord()
 }
 
 // Readings every half second at -4.50 dBm; in the third five seconds without a reading, in the
-// fifth missing, in the seventh at 1310 nm. The first series' line, in its colour, breaks three
-// times; the second series is in its own.
+// fifth missing, in the seventh at 1310 nm and -4.61 dBm (where a line bridging the gap would
+// show). The first series' line, in its colour, breaks three times; the second series is in its
+// own.
 void TestTrend::chart()
 {
     QString log = header();
@@ -202,7 +203,7 @@ void TestTrend::chart()
         if (i / 10 == 2)
             row.replace(",-4.50,-4.50,1,", ",---.--,,0,");
         if (i / 10 == 6)
-            row.replace(",1550,", ",1310,");
+            row.replace(",1550,dBm,-4.50,-4.50,", ",1310,dBm,-4.61,-4.61,");
         if (i / 10 != 4)
             log += row;
     }
