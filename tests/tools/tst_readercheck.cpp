@@ -1,18 +1,11 @@
-// opmrecord check, run as a reader's maker runs it: the simulated reader and a reader that keeps
-// the contract pass; each broken reader fails the check of the rule it breaks and no other; a
-// reader that cannot start or dies at once ends the check with a clear message. Checks running
-// at once never share a record key.
+// opmrecord check, run as a reader's maker runs it: the simulated reader keeps the contract; each
+// broken reader fails the check of the rule it breaks and no other; a reader that cannot start
+// or dies at once ends the check with a clear message. Checks running at once never share a
+// record key.
 #include "checkedReader.h"
-#include "qtCompat.h"
 #include "testSupport.h"
 
-#include <QDir>
-#include <QFile>
-#include <QHash>
-#include <QProcess>
 #include <QtTest>
-
-#include <memory>
 
 #include <sys/ipc.h>
 #include <sys/shm.h>
@@ -27,7 +20,6 @@ private slots:
     void verdicts();
     void junitNamesTheFailure();
     void scratchKeysAreNeverShared();
-    void cleanupTestCase();
 
 private:
     QHash<QString, QProcess*> m_checks;
@@ -40,97 +32,94 @@ struct Reader
 {
     const char* tag;
     const char* program;
-    const char* broken; // --break RULE of the test reader
+    const char* rule; // brokenReader --break RULE
     const char* failed; // the checks that fail, by name
+    const char* said; // in what the check prints
     int status;
 };
 
-const Reader kReaders[] = {
-    { "simulated reader", LUMENPROBE_PATH, "", "", 0 },
-    { "test reader keeping the contract", BROKENREADER_PATH, "", "", 0 },
-    { "wrong key", BROKENREADER_PATH, "wrong-key", "key", 1 },
-    { "segment of 64 bytes", BROKENREADER_PATH, "small-segment", "segment", 1 },
-    { "deviceType without NUL", BROKENREADER_PATH, "no-nul", "text-ends", 1 },
-    { "wavelength with its unit", BROKENREADER_PATH, "wavelength-unit", "wavelength", 1 },
-    { "unit in lower case", BROKENREADER_PATH, "unit-case", "unit", 1 },
-    { "decimal comma", BROKENREADER_PATH, "comma-value", "value", 1 },
-    { "flag 3", BROKENREADER_PATH, "flag-3", "flag", 1 },
-    { "a reading every 2.5 s", BROKENREADER_PATH, "slow", "reading-rate", 1 },
-    { "ignores the target", BROKENREADER_PATH, "ignores-target", "follows-target", 1 },
-    { "retunes in 3 s", BROKENREADER_PATH, "slow-retune", "retune-time", 1 },
-    { "clears the page's request", BROKENREADER_PATH, "clears-save", "needSave", 1 },
-    { "requests saves unasked", BROKENREADER_PATH, "saves-unasked", "needSave", 1 },
-    { "dies at once", BROKENREADER_PATH, "dies-at-once", "key", 1 },
-    { "never starts", "/nonexistent/lumenProbe", "", "", 2 },
-};
+const char kOne[] = "11 checks: 10 passed, 1 failed, 0 not run";
+const char kBroken[] = BROKENREADER_PATH;
 
-QStringList failedChecks(const QByteArray& output)
-{
-    QStringList failed;
-    foreach (const QByteArray& line, output.split('\n')) {
-        if (line.startsWith("FAIL  "))
-            failed << QString::fromLatin1(line.mid(6).split(' ').first());
-    }
-    return failed;
-}
+const Reader kReaders[] = {
+    { "simulated reader", LUMENPROBE_PATH, "", "", "11 checks: 11 passed, 0 failed, 0 not run", 0 },
+    { "wrong key", kBroken, "wrong-key", "key", "0 passed, 1 failed, 10 not run", 1 },
+    { "segment of 64 bytes", kBroken, "small-segment", "segment", kOne, 1 },
+    { "deviceType without NUL", kBroken, "no-nul", "text-ends", kOne, 1 },
+    { "wavelength with its unit", kBroken, "wavelength-unit", "wavelength", kOne, 1 },
+    { "unit in lower case", kBroken, "unit-case", "unit", kOne, 1 },
+    { "decimal comma", kBroken, "comma-value", "value", kOne, 1 },
+    { "flag 3", kBroken, "flag-3", "flag", kOne, 1 },
+    { "a reading every 2.5 s", kBroken, "slow", "reading-rate", kOne, 1 },
+    // Without a wavelength followed there is no retune time to judge.
+    { "ignores the target", kBroken, "ignores-target", "follows-target",
+      "9 passed, 1 failed, 1 not", 1 },
+    { "retunes in 3 s", kBroken, "slow-retune", "retune-time", kOne, 1 },
+    { "clears the page's request", kBroken, "clears-save", "needSave", kOne, 1 },
+    { "requests saves unasked", kBroken, "saves-unasked", "needSave", kOne, 1 },
+    { "dies at once", kBroken, "dies-at-once", "key",
+      "(status 3) before it made the segment of its folder's key; it printed: brokenReader: "
+      "optical module not found",
+      1 },
+    { "never starts", "/nonexistent/lumenProbe", "", "",
+      "opmrecord check: cannot start \"/nonexistent/lumenProbe\": No such file or directory", 2 },
+};
 
 } // namespace
 
 // The checks take seconds each, mostly waiting: all run at once, each in its own folder.
 void TestReaderCheck::initTestCase()
 {
-    QVERIFY(m_junit.isValid());
     for (const Reader& reader : kReaders) {
-        QStringList args;
-        if (QLatin1String(reader.broken) == QLatin1String("comma-value"))
-            args << "--junit" << m_junit.path() + "/check.xml";
+        QStringList args = QStringList() << "check"
+                                         << "--junit" << m_junit.path() + '/' + reader.tag + ".xml";
         args << "--" << reader.program;
-        if (*reader.broken)
-            args << "--break" << reader.broken;
+        if (*reader.rule)
+            args << "--break" << reader.rule;
         QProcess* check = new QProcess(this);
-        check->start(OPMRECORD_PATH, QStringList() << "check" << args);
+        check->start(OPMRECORD_PATH, args);
         m_checks.insert(reader.tag, check);
     }
 }
 
 void TestReaderCheck::verdicts_data()
 {
-    addColumns<QString, int>("failed status");
+    addColumns<QString, QString, int>("failed said status");
     for (const Reader& reader : kReaders)
-        addRow(reader.tag, reader.failed, reader.status);
+        addRow(reader.tag, reader.failed, reader.said, reader.status);
 }
 
 void TestReaderCheck::verdicts()
 {
     QFETCH(QString, failed);
+    QFETCH(QString, said);
     QFETCH(int, status);
     QProcess* check = m_checks.value(QTest::currentDataTag());
     QVERIFY(check->waitForFinished(120000));
-    const QByteArray output = check->readAllStandardOutput();
-    const QByteArray errors = check->readAllStandardError();
-    QCOMPARE(failedChecks(output).join(","), failed);
+    const QString output =
+        QString::fromLocal8Bit(check->readAllStandardOutput() + check->readAllStandardError());
+    // The summary first: when a verdict is wrong, the whole output is in the message.
+    QVERIFY2(output.contains(said), qPrintable(output));
+    QStringList failures;
+    foreach (const QString& line, output.split('\n').filter(QRegExp("^FAIL ")))
+        failures << line.section(' ', 2, 2);
+    QCOMPARE(failures.join(","), failed);
     QCOMPARE(check->exitCode(), status);
-    if (status == 0)
-        QVERIFY2(output.contains("11 checks: 11 passed, 0 failed, 0 not run"), output.constData());
-    if (QLatin1String(QTest::currentDataTag()) == QLatin1String("dies at once"))
-        QVERIFY2(output.contains("(status 3)") && output.contains("optical module not found"),
-                 output.constData());
-    if (status == 2)
-        QCOMPARE(QString::fromLocal8Bit(errors).trimmed(),
-                 QString("opmrecord check: cannot start \"/nonexistent/lumenProbe\": "
-                         "No such file or directory"));
 }
 
+// A check that failed and one not run, and texts of the reader's that XML must escape.
 void TestReaderCheck::junitNamesTheFailure()
 {
-    QFile file(m_junit.path() + "/check.xml");
+    QFile file(m_junit.path() + "/ignores the target.xml");
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray xml = file.readAll();
-    QVERIFY(xml.contains("<testsuite name=\"opmrecord check\" tests=\"11\" failures=\"1\" "
-                         "skipped=\"0\">"));
-    QCOMPARE(xml.count("<failure "), 1);
-    QVERIFY2(xml.contains("name=\"value\">\n      <failure message=\"value &quot;-4,"),
+    QVERIFY2(xml.contains("<testsuite name=\"opmrecord check\" tests=\"11\" failures=\"1\" "
+                          "skipped=\"1\">"),
              xml.constData());
+    QCOMPARE(xml.count("<failure "), 1);
+    QVERIFY(xml.contains("name=\"follows-target\">\n      <failure message=\"1310 nm (target 1) "
+                         "not reported within 5000 ms; wavelenth stayed &quot;850&quot;\"/>"));
+    QVERIFY(xml.contains("name=\"retune-time\">\n      <skipped message=\"needs a reader"));
 }
 
 // As where folders' keys repeat most: two keys for every folder there is.
@@ -142,17 +131,9 @@ key_t oneOfTwoKeys(const char* folder)
 
 void TestReaderCheck::scratchKeysAreNeverShared()
 {
+    // Scratch folders and claims in a folder of the test's own (the checks above have ended).
     TestCompat::TempDir tmp;
-    struct TmpDir
-    {
-        explicit TmpDir(const QString& path) : previous(qgetenv("TMPDIR"))
-        {
-            qputenv("TMPDIR", QFile::encodeName(path));
-        }
-        ~TmpDir() { previous.isNull() ? unsetenv("TMPDIR") : setenv("TMPDIR", previous, 1); }
-        const QByteArray previous;
-    } scratchIn(tmp.path());
-    const QDir scratch(tmp.path(), "opmrecord-check-*", QDir::Name, QDir::Dirs);
+    qputenv("TMPDIR", QFile::encodeName(tmp.path()));
     std::string error;
 
     std::unique_ptr<CheckedReader> first(new CheckedReader(oneOfTwoKeys));
@@ -160,11 +141,11 @@ void TestReaderCheck::scratchKeysAreNeverShared()
     const key_t firstKey = first->key();
     CheckedReader second(oneOfTwoKeys);
     QVERIFY(second.prepare(&error));
-    QCOMPARE(second.key(), key_t(firstKey ^ 1));
     CheckedReader third(oneOfTwoKeys);
     QVERIFY(!third.prepare(&error));
     QCOMPARE(QString::fromStdString(error), QString("no scratch folder with a key of its own"));
-    QCOMPARE(scratch.entryList().size(), 2);
+    // The folders passed over are gone.
+    QCOMPARE(QDir(tmp.path(), "opmrecord-check-*").count(), 2u);
 
     first.reset();
     // A segment that no check made holds its key as well, as a running page's does.
@@ -175,14 +156,6 @@ void TestReaderCheck::scratchKeysAreNeverShared()
     QVERIFY(heldBySegment);
     QVERIFY(third.prepare(&error));
     QCOMPARE(third.key(), firstKey);
-}
-
-void TestReaderCheck::cleanupTestCase()
-{
-    foreach (QProcess* check, m_checks) {
-        check->kill();
-        check->waitForFinished(5000);
-    }
 }
 
 QTEST_MAIN(TestReaderCheck)

@@ -7,7 +7,6 @@
 #include "opmShareRecord.h"
 #include "testSupport.h"
 
-#include <QProcess>
 #include <QtTest>
 
 #include <cstring>
@@ -42,24 +41,21 @@ void TestTools::startsAt850WithoutTarget()
     probe.waitForFinished(20000);
 }
 
-// A file with every kind of bad line: binary bytes, a line of 5000 characters, an unknown field,
-// a NUL in a text, control characters, an unclosed quote, a time out of range, texts longer than
-// their field. Each bad line is skipped with a message, overlong texts are cut to their field
-// with the NUL inside, the good lines still play, and at its end the reader says "no reading".
+// After a good first line, every kind of bad line: longer than 1024 characters, an unknown
+// field, a NUL in a text, control characters, an unclosed quote, binary bytes with a NUL, a time
+// out of range. Each is skipped with a message, so the first line's reading stays; an overlong
+// text is cut to its field with the NUL inside; at its end the reader says "no reading".
 void TestTools::survivesHostileScenario()
 {
     TestDeviceRoot root;
     RecordWriter writer;
-    QVERIFY(writer.isAttached());
     const OpmShareRecord* r = writer.record();
-    QByteArray lines;
-    for (int i = 0; i < 300; ++i) // binary, with NULs and line ends among it
-        lines += char((i * 37) & 0xff);
-    lines += "\n0 value=" + QByteArray(5000, '9') + '\n';
-    lines += "0 colour=red\n0 value=\"1\\x002\"\n0 value=\x01\x1b[2J\n0 value=\"-1.5\n"
-             "99999999999 value=3\n"
-             "0 deviceType=ABCDEFGHIJKLMNOPQRSTUVWXYZ value=-1234567890.1234567\n"
-             "400 value=-1.00 flag=1\n400 end\n";
+    const QByteArray lines =
+        "0 deviceType=ABCDEFGHIJKLMNOPQRSTUVWXYZ value=-1.00 flag=1\n400 value="
+        + QByteArray(5000, '9')
+        + "\n400 colour=red value=2\n400 value=\"1\\x002\"\n400 value=\x01\x1b[2J\n"
+          "400 value=\"-1.5\n"
+        + QByteArray("400 value=\xe9\0\x9f\n", 14) + "99999999999 value=3\n400 end\n";
     QVERIFY(root.writeFile("/scenario.txt", lines));
 
     QProcess probe;
@@ -69,11 +65,11 @@ void TestTools::survivesHostileScenario()
     QCOMPARE(probe.exitStatus(), QProcess::NormalExit);
     QCOMPARE(probe.exitCode(), 0);
     const QByteArray errors = probe.readAllStandardError();
-    QVERIFY2(errors.contains("line skipped") && errors.contains("cut"), errors.constData());
-    QCOMPARE(QByteArray(r->wavelenth) + '|' + QByteArray(r->unit) + '|' + QByteArray(r->value) + '|'
-                 + QByteArray::number(r->flag) + '|' + QByteArray::number(r->needSave) + '|'
+    QCOMPARE(errors.count("line skipped"), 7);
+    QCOMPARE(errors.count(", cut"), 1);
+    QCOMPARE(QByteArray(r->value) + '|' + QByteArray::number(r->flag) + '|'
                  + QByteArray(r->deviceType, int(strnlen(r->deviceType, 16))),
-             QByteArray("||-1.00|0|0|ABCDEFGHIJKLMNO"));
+             QByteArray("-1.00|0|ABCDEFGHIJKLMNO"));
 }
 
 void TestTools::plugins_data()
@@ -85,7 +81,7 @@ void TestTools::plugins_data()
            "refused: verification section refused: build key \"x86_64 linux");
     addRow("copies differ", FAKE_PLUGIN_SECTIONDIFFERS, 1,
            "refused: the verification data and the .qtplugin section differ");
-    addRow("cut short", QString(), 1, "outside the file");
+    addRow("cut short", m_dir.path() + "/cut.so", 1, "outside the file");
     addRow("demo plug-in", DEMO_PLUGIN_PATH, 0, "opmshell: loaded");
 }
 
@@ -96,21 +92,17 @@ void TestTools::plugins()
     QFETCH(QString, plugin);
     QFETCH(int, status);
     QFETCH(QString, said);
-    if (plugin.isEmpty()) {
-        // The demo plug-in without its second half, where the section table lies.
-        QFile demo(DEMO_PLUGIN_PATH);
-        QVERIFY(demo.open(QIODevice::ReadOnly));
-        QFile cut(plugin = m_dir.path() + "/cut.so");
-        QVERIFY(cut.open(QIODevice::WriteOnly));
-        QVERIFY(cut.write(demo.read(demo.size() / 2)) == demo.size() / 2);
-    }
+    // The demo plug-in without its second half, where the section table lies.
+    if (plugin.endsWith("/cut.so"))
+        QVERIFY(QFile::copy(DEMO_PLUGIN_PATH, plugin)
+                && QFile::resize(plugin, QFileInfo(plugin).size() / 2));
 
-    const QStringList arguments = QStringList() << "--plugin" << plugin << "--quit-after"
-                                                << "0.2";
-    const ProgramRun shell = runProgram(OPMSHELL_PATH, arguments, m_dir.path());
+    const ProgramRun shell = runProgram(OPMSHELL_PATH,
+                                        QStringList() << "--plugin" << plugin << "--quit-after"
+                                                      << "0.2",
+                                        m_dir.path());
     QCOMPARE(shell.status, status);
     QVERIFY2((shell.out + shell.err).contains(said.toLatin1()), shell.err.constData());
-    QCOMPARE(bool(shell.out.contains("loaded")), status == 0);
 }
 
 QTEST_MAIN(TestTools)
