@@ -63,15 +63,7 @@ void OpmPageProbe::enter(NerioOpm* p, Field f, const QString& text)
 
 void OpmPageProbe::escape(NerioOpm* p)
 {
-    if (p->m_pReferenceDialog)
-        QTest::keyClick(p->m_pReferenceDialog, Qt::Key_Escape);
-    deliverDeletes();
-}
-
-void OpmPageProbe::closeDialog(NerioOpm* p)
-{
-    if (p->m_pReferenceDialog)
-        p->m_pReferenceDialog->close();
+    QTest::keyClick(p->m_pReferenceDialog, Qt::Key_Escape);
     deliverDeletes();
 }
 
@@ -87,42 +79,23 @@ QString OpmPageProbe::dialogText(NerioOpm* p)
                                  : QString();
 }
 
-int OpmPageProbe::openDialogs(NerioOpm* p)
-{
-    int open = 0;
-    foreach (const CDialog* dialog, p->findChildren<CDialog*>())
-        open += dialog->isVisible();
-    return open;
-}
-
 QString OpmPageProbe::layout(NerioOpm* p)
 {
-    QWidget* const modeWidgets[] = { p->m_pdBm,
-                                     p->m_pmW,
-                                     p->m_puW,
-                                     p->m_pReference,
-                                     p->m_pLossMeterUnit,
-                                     p->m_pLossLength,
-                                     p->m_pLabelLossLength,
-                                     p->m_pOpmRefLabel };
-    QString shown;
-    for (int i = 0; i < 8; ++i)
-        shown += modeWidgets[i]->isHidden() ? '-' : '+';
-    shown += QString(" %1/%2").arg(p->m_pLimits->minimumWidth()).arg(p->m_pLimits->maximumWidth());
-    return shown == "+++----- 190/190" ? "power" : shown == "---+++++ 120/120" ? "loss" : shown;
+    QString shown = QString::number(p->m_pLimits->minimumWidth()) + ' ';
+    for (QWidget* w : std::initializer_list<QWidget*> {
+             p->m_pdBm, p->m_pmW, p->m_puW, p->m_pReference, p->m_pLossMeterUnit, p->m_pLossLength,
+             p->m_pLabelLossLength, p->m_pOpmRefLabel })
+        shown += w->isHidden() ? '-' : '+';
+    return shown == "190 +++-----" ? "power" : shown == "120 ---+++++" ? "loss" : shown;
 }
 
 QString OpmPageProbe::enabled(NerioOpm* p)
 {
-    QWidget* const widgets[] = { p->m_pMinimum, p->m_pMaximum, p->m_pLossMeterUnit,
-                                 p->m_pLossLength };
-    const char* const names[] = { "min", "max", "lossUnit", "length" };
     QStringList on;
-    for (int i = 0; i < 4; ++i) {
-        if (widgets[i]->isEnabled())
-            on << names[i];
-    }
-    return on.join(" ");
+    on << (p->m_pMinimum->isEnabled() ? "min" : "") << (p->m_pMaximum->isEnabled() ? "max" : "")
+       << (p->m_pLossMeterUnit->isEnabled() ? "lossUnit" : "")
+       << (p->m_pLossLength->isEnabled() ? "length" : "");
+    return on.join(" ").simplified();
 }
 
 QString OpmPageProbe::references(NerioOpm* p)
@@ -158,15 +131,11 @@ QStringList OpmPageProbe::lines(COpmShowResultPage* p)
 
 QString OpmPageProbe::colour(const QColor& c)
 {
-    const char* const names[][2] = { { "#ff0000", "red" },
-                                     { "#00ff00", "green" },
-                                     { "#000000", "black" },
-                                     { "#a0a0a4", "grey" },
-                                     { "#ffffff", "white" } };
-    for (int i = 0; i < 5; ++i) {
-        if (c.name() == names[i][0])
-            return names[i][1];
-    }
+    const Qt::GlobalColor known[] = { Qt::red, Qt::green, Qt::black, Qt::gray, Qt::white };
+    const char* const names[] = { "red", "green", "black", "grey", "white" };
+    for (int i = 0; i < 5; ++i)
+        if (c == known[i])
+            return names[i];
     return c.name();
 }
 
