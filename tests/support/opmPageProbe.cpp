@@ -30,14 +30,12 @@ QAbstractButton* OpmPageProbe::button(NerioOpm* p, Button b)
 
 CComboBox* OpmPageProbe::selector(NerioOpm* p, Selector s)
 {
-    CComboBox* const selectors[] = { p->m_pWaveLength, p->m_pTestMode, p->m_pLossMeterUnit };
-    return selectors[s];
+    return s == Wave ? p->m_pWaveLength : s == Mode ? p->m_pTestMode : p->m_pLossMeterUnit;
 }
 
 CLineEdit* OpmPageProbe::field(NerioOpm* p, Field f)
 {
-    CLineEdit* const fields[] = { p->m_pMinimum, p->m_pMaximum, p->m_pLossLength };
-    return fields[f];
+    return f == Min ? p->m_pMinimum : f == Max ? p->m_pMaximum : p->m_pLossLength;
 }
 
 void OpmPageProbe::click(NerioOpm* p, Button b)
@@ -89,13 +87,16 @@ QString OpmPageProbe::layout(NerioOpm* p)
     return shown == "190 +++-----" ? "power" : shown == "120 ---+++++" ? "loss" : shown;
 }
 
-QString OpmPageProbe::enabled(NerioOpm* p)
+QString OpmPageProbe::limitsRow(NerioOpm* p)
 {
-    QStringList on;
-    on << (p->m_pMinimum->isEnabled() ? "min" : "") << (p->m_pMaximum->isEnabled() ? "max" : "")
-       << (p->m_pLossMeterUnit->isEnabled() ? "lossUnit" : "")
-       << (p->m_pLossLength->isEnabled() ? "length" : "");
-    return on.join(" ").simplified();
+    QString row = p->m_pLimits->isChecked() ? "on" : "off";
+    QWidget* const widgets[] = { p->m_pMinimum, p->m_pMaximum, p->m_pLossMeterUnit,
+                                 p->m_pLossLength };
+    const QString texts[] = { p->m_pMinimum->text(), p->m_pMaximum->text(),
+                              p->m_pLossMeterUnit->currentText(), p->m_pLossLength->text() };
+    for (int i = 0; i < 4; ++i)
+        row += ' ' + (widgets[i]->isEnabled() ? texts[i] : '(' + texts[i] + ')');
+    return row + ' ' + colour(p->m_pLabelLossLength->textColor());
 }
 
 QString OpmPageProbe::references(NerioOpm* p)

@@ -55,7 +55,6 @@ struct OpmPageProbe
     static QString unitButton(NerioOpm* p) { return p->m_pdBm->text(); }
     static QString caption(NerioOpm* p) { return p->m_pLimits->text(); }
     static QString refLabel(NerioOpm* p) { return p->m_pOpmRefLabel->text(); }
-    static QString lengthColour(NerioOpm* p) { return colour(p->m_pLabelLossLength->textColor()); }
     // The reference dialog's text of the reading and of the stored reference; the dialogs open
     // (a closed one is deleted).
     static QString dialogText(NerioOpm* p);
@@ -63,8 +62,9 @@ struct OpmPageProbe
     static int openDialogs(NerioOpm* p) { return p->findChildren<CDialog*>().size(); }
     // "power" or "loss" when the controls show exactly that mode's layout.
     static QString layout(NerioOpm* p);
-    // The fields of limits and length enabled, by name: "min max lossUnit length".
-    static QString enabled(NerioOpm* p);
+    // The row of limits: the check box; Minimum, Maximum, the loss unit and Length by their texts,
+    // each in brackets while disabled; the Length caption's colour: "on -60 10 dB/km 2.5 white".
+    static QString limitsRow(NerioOpm* p);
     static OffsetBar* bar(NerioOpm* p) { return p->m_pOffsetBarResult; }
     static QString barRange(NerioOpm* p) { return bar(p)->minLabel() + ".." + bar(p)->maxLabel(); }
     static QTimer* timer(NerioOpm* p) { return p->m_pTimer; }
