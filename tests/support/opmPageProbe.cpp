@@ -73,8 +73,7 @@ void OpmPageProbe::tick(NerioOpm* p)
 
 QString OpmPageProbe::dialogText(NerioOpm* p)
 {
-    return p->m_pReferenceDialog ? p->m_pRefLabel2->text() + '\n' + p->m_pRefLabel3->text()
-                                 : QString();
+    return p->m_pRefLabel2->text() + '\n' + p->m_pRefLabel3->text();
 }
 
 QString OpmPageProbe::layout(NerioOpm* p)
@@ -109,11 +108,10 @@ QString OpmPageProbe::references(NerioOpm* p)
 
 bool OpmPageProbe::fieldsEnded(NerioOpm* p)
 {
-    const OpmShareRecord* records[] = { &p->Opm, &p->m_sOpmRef };
     bool all = fieldsEnded(p->m_result) && ended(p->m_aWaveLengthRef, sizeof p->m_aWaveLengthRef);
-    for (int i = 0; i < 2; ++i)
-        all = all && ended(records[i]->wavelenth, 8) && ended(records[i]->unit, 8)
-            && ended(records[i]->value, 16) && ended(records[i]->deviceType, 16);
+    for (const OpmShareRecord* r : { &p->Opm, &p->m_sOpmRef })
+        all = all && ended(r->wavelenth, 8) && ended(r->unit, 8) && ended(r->value, 16)
+            && ended(r->deviceType, 16);
     return all;
 }
 

@@ -55,8 +55,8 @@ struct OpmPageProbe
     static QString unitButton(NerioOpm* p) { return p->m_pdBm->text(); }
     static QString caption(NerioOpm* p) { return p->m_pLimits->text(); }
     static QString refLabel(NerioOpm* p) { return p->m_pOpmRefLabel->text(); }
-    // The reference dialog's text of the reading and of the stored reference; the dialogs open
-    // (a closed one is deleted).
+    // The open reference dialog's text of the reading and of the stored reference; the dialogs
+    // open (a closed one is deleted).
     static QString dialogText(NerioOpm* p);
     static CDialog* dialog(NerioOpm* p) { return p->m_pReferenceDialog; }
     static int openDialogs(NerioOpm* p) { return p->findChildren<CDialog*>().size(); }
