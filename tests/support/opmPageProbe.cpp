@@ -30,14 +30,12 @@ QAbstractButton* OpmPageProbe::button(NerioOpm* p, Button b)
 
 CComboBox* OpmPageProbe::selector(NerioOpm* p, Selector s)
 {
-    CComboBox* const selectors[] = { p->m_pWaveLength, p->m_pTestMode, p->m_pLossMeterUnit };
-    return selectors[s];
+    return s == Wave ? p->m_pWaveLength : s == Mode ? p->m_pTestMode : p->m_pLossMeterUnit;
 }
 
 CLineEdit* OpmPageProbe::field(NerioOpm* p, Field f)
 {
-    CLineEdit* const fields[] = { p->m_pMinimum, p->m_pMaximum, p->m_pLossLength };
-    return fields[f];
+    return f == Min ? p->m_pMinimum : f == Max ? p->m_pMaximum : p->m_pLossLength;
 }
 
 void OpmPageProbe::click(NerioOpm* p, Button b)
@@ -63,15 +61,7 @@ void OpmPageProbe::enter(NerioOpm* p, Field f, const QString& text)
 
 void OpmPageProbe::escape(NerioOpm* p)
 {
-    if (p->m_pReferenceDialog)
-        QTest::keyClick(p->m_pReferenceDialog, Qt::Key_Escape);
-    deliverDeletes();
-}
-
-void OpmPageProbe::closeDialog(NerioOpm* p)
-{
-    if (p->m_pReferenceDialog)
-        p->m_pReferenceDialog->close();
+    QTest::keyClick(p->m_pReferenceDialog, Qt::Key_Escape);
     deliverDeletes();
 }
 
@@ -83,46 +73,29 @@ void OpmPageProbe::tick(NerioOpm* p)
 
 QString OpmPageProbe::dialogText(NerioOpm* p)
 {
-    return p->m_pReferenceDialog ? p->m_pRefLabel2->text() + '\n' + p->m_pRefLabel3->text()
-                                 : QString();
-}
-
-int OpmPageProbe::openDialogs(NerioOpm* p)
-{
-    int open = 0;
-    foreach (const CDialog* dialog, p->findChildren<CDialog*>())
-        open += dialog->isVisible();
-    return open;
+    return p->m_pRefLabel2->text() + '\n' + p->m_pRefLabel3->text();
 }
 
 QString OpmPageProbe::layout(NerioOpm* p)
 {
-    QWidget* const modeWidgets[] = { p->m_pdBm,
-                                     p->m_pmW,
-                                     p->m_puW,
-                                     p->m_pReference,
-                                     p->m_pLossMeterUnit,
-                                     p->m_pLossLength,
-                                     p->m_pLabelLossLength,
-                                     p->m_pOpmRefLabel };
-    QString shown;
-    for (int i = 0; i < 8; ++i)
-        shown += modeWidgets[i]->isHidden() ? '-' : '+';
-    shown += QString(" %1/%2").arg(p->m_pLimits->minimumWidth()).arg(p->m_pLimits->maximumWidth());
-    return shown == "+++----- 190/190" ? "power" : shown == "---+++++ 120/120" ? "loss" : shown;
+    QString shown = QString::number(p->m_pLimits->minimumWidth()) + ' ';
+    for (QWidget* w : std::initializer_list<QWidget*> {
+             p->m_pdBm, p->m_pmW, p->m_puW, p->m_pReference, p->m_pLossMeterUnit, p->m_pLossLength,
+             p->m_pLabelLossLength, p->m_pOpmRefLabel })
+        shown += w->isHidden() ? '-' : '+';
+    return shown == "190 +++-----" ? "power" : shown == "120 ---+++++" ? "loss" : shown;
 }
 
-QString OpmPageProbe::enabled(NerioOpm* p)
+QString OpmPageProbe::limitsRow(NerioOpm* p)
 {
+    QString row = p->m_pLimits->isChecked() ? "on" : "off";
     QWidget* const widgets[] = { p->m_pMinimum, p->m_pMaximum, p->m_pLossMeterUnit,
                                  p->m_pLossLength };
-    const char* const names[] = { "min", "max", "lossUnit", "length" };
-    QStringList on;
-    for (int i = 0; i < 4; ++i) {
-        if (widgets[i]->isEnabled())
-            on << names[i];
-    }
-    return on.join(" ");
+    const QString texts[] = { p->m_pMinimum->text(), p->m_pMaximum->text(),
+                              p->m_pLossMeterUnit->currentText(), p->m_pLossLength->text() };
+    for (int i = 0; i < 4; ++i)
+        row += ' ' + (widgets[i]->isEnabled() ? texts[i] : '(' + texts[i] + ')');
+    return row + ' ' + colour(p->m_pLabelLossLength->textColor());
 }
 
 QString OpmPageProbe::references(NerioOpm* p)
@@ -135,11 +108,10 @@ QString OpmPageProbe::references(NerioOpm* p)
 
 bool OpmPageProbe::fieldsEnded(NerioOpm* p)
 {
-    const OpmShareRecord* records[] = { &p->Opm, &p->m_sOpmRef };
     bool all = fieldsEnded(p->m_result) && ended(p->m_aWaveLengthRef, sizeof p->m_aWaveLengthRef);
-    for (int i = 0; i < 2; ++i)
-        all = all && ended(records[i]->wavelenth, 8) && ended(records[i]->unit, 8)
-            && ended(records[i]->value, 16) && ended(records[i]->deviceType, 16);
+    for (const OpmShareRecord* r : { &p->Opm, &p->m_sOpmRef })
+        all = all && ended(r->wavelenth, 8) && ended(r->unit, 8) && ended(r->value, 16)
+            && ended(r->deviceType, 16);
     return all;
 }
 
@@ -158,15 +130,11 @@ QStringList OpmPageProbe::lines(COpmShowResultPage* p)
 
 QString OpmPageProbe::colour(const QColor& c)
 {
-    const char* const names[][2] = { { "#ff0000", "red" },
-                                     { "#00ff00", "green" },
-                                     { "#000000", "black" },
-                                     { "#a0a0a4", "grey" },
-                                     { "#ffffff", "white" } };
-    for (int i = 0; i < 5; ++i) {
-        if (c.name() == names[i][0])
-            return names[i][1];
-    }
+    const Qt::GlobalColor known[] = { Qt::red, Qt::green, Qt::black, Qt::gray, Qt::white };
+    const char* const names[] = { "red", "green", "black", "grey", "white" };
+    for (int i = 0; i < 5; ++i)
+        if (c == known[i])
+            return names[i];
     return c.name();
 }
 

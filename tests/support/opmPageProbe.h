@@ -34,8 +34,8 @@ struct OpmPageProbe
     enum Field { Min, Max, Length };
 
     // The operator's steps; only these signals reach the page's slots. type() sets a field's text
-    // without its signal, as a restored setup does. escape() and closeDialog() end the reference
-    // dialog without its buttons.
+    // without its signal, as a restored setup does. escape() ends the reference dialog without
+    // its buttons.
     static QAbstractButton* button(NerioOpm* p, Button b);
     static CComboBox* selector(NerioOpm* p, Selector s);
     static CLineEdit* field(NerioOpm* p, Field f);
@@ -44,7 +44,6 @@ struct OpmPageProbe
     static void enter(NerioOpm* p, Field f, const QString& text);
     static void type(NerioOpm* p, Field f, const QString& text) { field(p, f)->setText(text); }
     static void escape(NerioOpm* p);
-    static void closeDialog(NerioOpm* p);
     // One poll of the reader, as the page's timer makes it.
     static void tick(NerioOpm* p);
 
@@ -56,15 +55,16 @@ struct OpmPageProbe
     static QString unitButton(NerioOpm* p) { return p->m_pdBm->text(); }
     static QString caption(NerioOpm* p) { return p->m_pLimits->text(); }
     static QString refLabel(NerioOpm* p) { return p->m_pOpmRefLabel->text(); }
-    static QString lengthColour(NerioOpm* p) { return colour(p->m_pLabelLossLength->textColor()); }
-    // The reference dialog's text of the reading and of the stored reference; the dialogs open.
+    // The open reference dialog's text of the reading and of the stored reference; the dialogs
+    // open (a closed one is deleted).
     static QString dialogText(NerioOpm* p);
     static CDialog* dialog(NerioOpm* p) { return p->m_pReferenceDialog; }
-    static int openDialogs(NerioOpm* p);
+    static int openDialogs(NerioOpm* p) { return p->findChildren<CDialog*>().size(); }
     // "power" or "loss" when the controls show exactly that mode's layout.
     static QString layout(NerioOpm* p);
-    // The fields of limits and length enabled, by name: "min max lossUnit length".
-    static QString enabled(NerioOpm* p);
+    // The row of limits: the check box; Minimum, Maximum, the loss unit and Length by their texts,
+    // each in brackets while disabled; the Length caption's colour: "on -60 10 dB/km 2.5 white".
+    static QString limitsRow(NerioOpm* p);
     static OffsetBar* bar(NerioOpm* p) { return p->m_pOffsetBarResult; }
     static QString barRange(NerioOpm* p) { return bar(p)->minLabel() + ".." + bar(p)->maxLabel(); }
     static QTimer* timer(NerioOpm* p) { return p->m_pTimer; }
@@ -74,14 +74,7 @@ struct OpmPageProbe
     static const OpmShareRecord& capture(NerioOpm* p) { return p->m_sOpmRef; }
     static QString references(NerioOpm* p); // the five, blank between
     static int waveLength(NerioOpm* p) { return p->m_eWaveLength; }
-    static int testMode(NerioOpm* p) { return p->m_eTestMode; }
-    static int unit(NerioOpm* p) { return p->m_eRusultUnit; }
     static int lossUnit(NerioOpm* p) { return p->m_eLossLengthType; }
-    static bool powerLimits(NerioOpm* p) { return p->m_bPowerLimits; }
-    static bool pass(NerioOpm* p) { return p->m_bPass; }
-    static float minimum(NerioOpm* p) { return p->m_fPowerMin; }
-    static float maximum(NerioOpm* p) { return p->m_fPowerMax; }
-    static float length(NerioOpm* p) { return p->m_fLength; }
     static OpmShareRecord* record(NerioOpm* p) { return p->m_addr; }
 
     // Whether every text field the page keeps ends inside its width, and every text field of a
