@@ -5,7 +5,6 @@
 
 #include <QLabel>
 #include <QTabWidget>
-#include <QWidget>
 
 // The visible label of the Setup tab that shows text, if any: how a host sees a reading.
 inline QLabel* readingLabel(QWidget* window, const QString& text)
@@ -13,10 +12,9 @@ inline QLabel* readingLabel(QWidget* window, const QString& text)
     QTabWidget* tabs = window->findChild<QTabWidget*>();
     if (!tabs || tabs->tabText(tabs->currentIndex()) != QLatin1String("Setup"))
         return 0;
-    foreach (QLabel* label, tabs->currentWidget()->findChildren<QLabel*>()) {
+    foreach (QLabel* label, tabs->currentWidget()->findChildren<QLabel*>())
         if (label->text() == text && label->isVisible())
             return label;
-    }
     return 0;
 }
 
