@@ -122,9 +122,12 @@ private slots:
         // repainted: nothing, markers or all
         addColumns<QString, QString, QString>("before after repainted");
         addRow("reading moves less than a pixel", "-60 10 -12.34", "-60 10 -12.35", "nothing");
-        // The position stays 0 while the marker moves.
+        // The position stays 0 or 100 while the marker moves. Each old place is drawn anew: a
+        // zone, the centre line, the outline.
         addRow("further below the lower limit", "-20 -10 -21", "-20 -10 -22", "markers");
-        addRow("off the centre line into the upper zone", "-20 -10 -15.1", "-20 -10 -9", "markers");
+        addRow("further above the upper limit", "-20 -10 -9", "-20 -10 -8.5", "markers");
+        addRow("off the centre line", "-20 -10 -15.1", "-20 -10 -9", "markers");
+        addRow("off the outer left end", "-20 -10 -25", "-20 -10 -21", "markers");
         addRow("new limits, marker in place", "-60 10 -25", "-70 0 -35", "all");
     }
     void repaint()
