@@ -7,10 +7,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QLabel>
 #include <QPluginLoader>
-#include <QStringList>
-#include <QTabWidget>
 
 #include <cstdio>
 
@@ -34,22 +31,19 @@ int main(int argc, char** argv)
     const int limitMs = args.size() > 3 ? args.at(3).toInt() : 20000;
 
     QPluginLoader loader(args.at(1));
-    if (!loader.load())
-        return fail(QString::fromLatin1("QPluginLoader: %1").arg(loader.errorString()));
     UtilInterface* plugin = qobject_cast<UtilInterface*>(loader.instance());
     if (!plugin)
-        return fail(QString::fromLatin1("the root object is no UtilInterface"));
+        return fail(QString::fromLatin1("no UtilInterface through QPluginLoader: %1")
+                        .arg(loader.errorString()));
     std::printf("opminstallhost: loaded %s through QPluginLoader\n",
                 loader.instance()->metaObject()->className());
 
     QWidget frame;
     frame.setFixedSize(800, 480);
     frame.show();
-    if (!plugin->start(&frame))
-        return fail(QString::fromLatin1("start() returned false"));
-    QWidget* window = qobject_cast<QWidget*>(plugin->getObject());
+    QWidget* window = plugin->start(&frame) ? qobject_cast<QWidget*>(plugin->getObject()) : 0;
     if (!window)
-        return fail(QString::fromLatin1("no window after start()"));
+        return fail(QString::fromLatin1("start() failed or left no window"));
 
     QElapsedTimer clock;
     clock.start();

@@ -9,18 +9,15 @@
 
 #include <QStringList>
 
-#include <cstring>
-
 // Empties the store and saves the readings in order; returns their save times.
 inline QStringList storeResults(const QStringList& rows)
 {
     CBrovaOpmDataEngine* store = CBrovaOpmDataEngine::getSingleInstance();
     store->clearAllresultItem();
     QStringList times;
-    for (int i = 0; i < rows.size(); ++i) {
-        const QStringList f = rows[i].split('|');
-        Result r;
-        std::memset(&r, 0, sizeof r);
+    foreach (const QString& row, rows) {
+        const QStringList f = row.split('|');
+        Result r = {};
         char* const fields[] = { r.testMode, r.waveLenth,  r.value, r.pass,       r.minimum,
                                  r.maximum,  r.limitsUnit, r.ref,   r.fiberLength };
         for (int j = 0; j < 9; ++j)
