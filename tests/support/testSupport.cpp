@@ -24,10 +24,6 @@
 #include <sys/shm.h>
 #include <unistd.h>
 
-#ifndef READER_STAND_IN_PATH
-#error "READER_STAND_IN_PATH names the reader stand-in program"
-#endif
-
 const char kSetupDefaults[] =
     "Wavelength=850\nTestMode=PowerMeter\nUNIT=dB\nPowerLimit=disable\nPowerLimitMinimum=-60\n"
     "PowerLimitMaximum=10\nLossUnit=db\nLossLength=1\nReference850=0\nReference1310=0\n"
@@ -43,15 +39,14 @@ QStringList setupLines(const QByteArray& text)
     for (int at; (at = escaped.indexIn(QString::fromLatin1(unquoted))) >= 0;)
         unquoted.replace(at, 4, QByteArray(1, char(escaped.cap(1).toInt(0, 16))));
     QMap<QString, QString> keys;
-    const QList<QByteArray> lines = unquoted.split('\n');
-    for (int i = 0; i < lines.size(); ++i) {
-        const QString line = QString::fromLatin1(lines[i]);
-        if (line.contains(QLatin1Char('=')))
-            keys.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1));
+    foreach (const QByteArray& line, unquoted.split('\n')) {
+        if (line.contains('='))
+            keys.insert(QString::fromLatin1(line.left(line.indexOf('='))),
+                        QString::fromLatin1(line.mid(line.indexOf('=') + 1)));
     }
     QStringList sorted;
-    for (QMap<QString, QString>::const_iterator it = keys.constBegin(); it != keys.constEnd(); ++it)
-        sorted << it.key() + QLatin1Char('=') + it.value();
+    foreach (const QString& key, keys.keys())
+        sorted << key + '=' + keys.value(key);
     return sorted;
 }
 
@@ -110,10 +105,9 @@ TestDeviceRoot::TestDeviceRoot()
     if (size_t(root.size()) >= sizeof g_root)
         qFatal("test root path too long");
     std::memcpy(g_root, root.constData(), size_t(root.size()) + 1);
-    const char* const dirs[] = { "/home", "/usr/local/brova/bin", "/usr/local/brova/lib",
-                                 "/etc/brova" };
-    for (size_t i = 0; i < sizeof dirs / sizeof dirs[0]; ++i)
-        QDir().mkpath(m_dir->path() + QLatin1String(dirs[i]));
+    for (const char* dir :
+         { "/home", "/usr/local/brova/bin", "/usr/local/brova/lib", "/etc/brova" })
+        QDir().mkpath(m_dir->path() + dir);
     m_previousCwd = QDir::currentPath().toLocal8Bit();
     if (chdir(root.constData()) != 0)
         qFatal("cannot enter the test root");
@@ -182,18 +176,15 @@ RecordWriter::RecordWriter() : m_record(0)
         m_record = static_cast<OpmShareRecord*>(addr);
 }
 
+// strncpy zeroes the rest of a field and leaves no NUL where the text fills it, as a reader may.
+#pragma GCC diagnostic ignored "-Wstringop-truncation"
 void RecordWriter::setReading(const char* wavelength, const char* unit, const char* value, int flag)
 {
     if (!isAttached())
         return;
-    char* const fields[] = { m_record->wavelenth, m_record->unit, m_record->value };
-    const char* const texts[] = { wavelength, unit, value };
-    const size_t sizes[] = { sizeof m_record->wavelenth, sizeof m_record->unit,
-                             sizeof m_record->value };
-    for (int i = 0; i < 3; ++i) {
-        std::memset(fields[i], 0, sizes[i]);
-        std::memcpy(fields[i], texts[i], std::min(std::strlen(texts[i]), sizes[i]));
-    }
+    std::strncpy(m_record->wavelenth, wavelength, sizeof m_record->wavelenth);
+    std::strncpy(m_record->unit, unit, sizeof m_record->unit);
+    std::strncpy(m_record->value, value, sizeof m_record->value);
     m_record->flag = flag;
 }
 
