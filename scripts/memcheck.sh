@@ -2,7 +2,7 @@
 # Runs the suites that show widgets under valgrind's memcheck in a plain build of its own
 # (build-memcheck/): a suite fails on any memory error or definite leak. Findings in Qt and
 # system libraries are suppressed in tests/sanitizer/valgrind.supp. Arguments go to ctest
-# (-R tst_report: that suite alone). Last results: docs/memcheck.md.
+# (-R tst_results: that suite alone). Last results: docs/memcheck.md.
 #   BUILD_DIR   build folder (default: build-memcheck)
 set -euo pipefail
 cd "$(dirname "$0")/.."

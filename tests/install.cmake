@@ -2,4 +2,3 @@
 # plug-in file it is given, so it links no product code, only the interface.
 add_executable(opminstallhost install/opminstallhost.cpp)
 target_link_libraries(opminstallhost PRIVATE brovaplatform OpmQt::Widgets)
-target_include_directories(opminstallhost PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/support)

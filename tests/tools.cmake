@@ -24,20 +24,15 @@ foreach(fake ${OPM_FAKE_PLUGINS})
     add_dependencies(tst_tools fakeplugin_${fake})
 endforeach()
 
-# The reader check against the simulated reader and against a reader that breaks one rule.
+# The record tool: its reader check against the simulated reader and against a reader that
+# breaks one rule; its trend log and chart as they run, their files read back by the library.
 add_executable(brokenReader tools/brokenReader.cpp)
 target_link_libraries(brokenReader PRIVATE opmshare)
 set_target_properties(brokenReader PROPERTIES AUTOMOC OFF)
-opm_add_test(tst_readercheck tools/tst_readercheck.cpp)
-target_link_libraries(tst_readercheck PRIVATE opmcheckedreader)
-target_compile_definitions(tst_readercheck PRIVATE
+opm_add_test(tst_opmrecord tools/tst_opmrecord.cpp)
+target_link_libraries(tst_opmrecord PRIVATE opmcheckedreader opmrecordtrend)
+target_compile_definitions(tst_opmrecord PRIVATE
     OPMRECORD_PATH="$<TARGET_FILE:opmrecord>"
     LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
     BROKENREADER_PATH="$<TARGET_FILE:brokenReader>")
-add_dependencies(tst_readercheck opmrecord lumenProbe brokenReader)
-
-# The inspector's trend log and chart as they run; the library reads their files back.
-opm_add_test(tst_trend tools/tst_trend.cpp)
-target_link_libraries(tst_trend PRIVATE opmrecordtrend)
-target_compile_definitions(tst_trend PRIVATE OPMRECORD_PATH="$<TARGET_FILE:opmrecord>")
-add_dependencies(tst_trend opmrecord)
+add_dependencies(tst_opmrecord opmrecord lumenProbe brokenReader)

@@ -2,11 +2,11 @@
 // cast, start() inside a host frame; then waits until the Setup tab shows the reading the
 // record holds. Used by scripts/install-test.sh on the unpacked bundle.
 //   opminstallhost <plug-in file> <reading text> [time limit in ms]
-#include "readingLabel.h"
 #include "utilinterface.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QPluginLoader>
 
 #include <cstdio>
@@ -17,6 +17,16 @@ int fail(const QString& why)
 {
     std::fprintf(stderr, "opminstallhost: %s\n", qPrintable(why));
     return 1;
+}
+
+// The visible label that shows text, if any: how a host sees a reading (only the current tab's
+// labels are visible, and of the Result tab's none shows a reading alone).
+QLabel* readingLabel(QWidget* window, const QString& text)
+{
+    foreach (QLabel* label, window->findChildren<QLabel*>())
+        if (label->text() == text && label->isVisible())
+            return label;
+    return 0;
 }
 
 } // namespace
