@@ -134,90 +134,153 @@ class TestFileFaults : public QObject
 {
     Q_OBJECT
 private slots:
-    void settingsLost_data();
-    void settingsLost();
-    void everyStep_data();
-    void everyStep();
-    void failedExportLeavesNothing_data();
-    void failedExportLeavesNothing();
+    void settingsLost_data()
+    {
+        // atStart: else while the page runs
+        // blocked: taken away, a folder with all it holds
+        // blocker: put in its place: a "file", a "folder" or "binary" bytes
+        // fails: the changes cannot be kept
+        addColumns<bool, QString, QString, bool>("atStart blocked blocker fails");
+
+        addRow("binary file at start", true, kSettingFile, "binary", false);
+        addRow("folder is a file at start", true, "/home/Setting", "file", true);
+        addRow("home is a file at start", true, "/home", "file", true);
+        addRow("file deleted", false, kSettingFile, "", false);
+        addRow("folder deleted", false, "/home/Setting", "", false); // made again on writing
+        addRow("file is a folder", false, kSettingFile, "folder", true);
+        addRow("folder is a file", false, "/home/Setting", "file", true);
+        addRow("home is a file", false, "/home", "file", true);
+    }
+    // No key of the setup can be read: the page goes on with the defaults, and with its changes in
+    // memory where they cannot be kept. A failure is traced once, not on every change, a file in
+    // the way is left alone, and once the way is clear again the next change writes everything the
+    // page holds.
+    void settingsLost()
+    {
+        QFETCH(bool, atStart);
+        QFETCH(QString, blocked);
+        QFETCH(QString, blocker);
+        QFETCH(bool, fails);
+
+        PageFixture fx(QByteArray(), !atStart);
+        QFile::remove(fx.root.file(kSettingFile));
+        TestCompat::removeRecursively(fx.root.file(blocked));
+        QByteArray content("in the way");
+        if (blocker == "binary") { // NULs, high bytes, brackets, quotes, equals signs
+            content = "[COpmSetup]\n";
+            for (int i = 0; i < 4096; ++i)
+                content.append(char(i * 37 + i / 256));
+        }
+        const QString path = blocked + (blocker == "folder" ? "/x" : "");
+        QVERIFY(blocker.isEmpty() || fx.root.writeFile(path, content));
+
+        StdoutCapture capture;
+        if (atStart)
+            fx.buildPage();
+        using P = OpmPageProbe;
+        P::choose(fx.page, P::Wave, 3);
+        P::click(fx.page, P::MW);
+        fx.show("1550", "-12.347");
+        const QByteArray trace = capture.take();
+        QCOMPARE(trace.count("COpmSetupConfig cannot write "), fails ? 1 : 0);
+        QCOMPARE(fx.reader.record()->wavelenthTarget, 3);
+        QCOMPARE(P::reading(fx.page), QString("0.058251 mW"));
+        QCOMPARE(fx.closer.count(), 0);
+        if (fails)
+            QCOMPARE(fx.root.readFile(path), content);
+        else // a garbled file is replaced by the setup and what could be read of it
+            QCOMPARE(storedValue("Wavelength") + ' ' + storedValue("UNIT") + ' '
+                         + storedValue("TestMode"),
+                     QString("1550 mW PowerMeter"));
+        QCOMPARE(storedSetup().size() >= 13, !fails);
+
+        // The way cleared: whatever sits at the taken path goes, the folder is back.
+        QFile::remove(fx.root.file(blocked));
+        TestCompat::removeRecursively(fx.root.file(blocked));
+        QVERIFY(QDir().mkpath(fx.root.file("/home/Setting")));
+        P::click(fx.page, P::Limits);
+        QCOMPARE(storedSetup().size(), 13);
+        QCOMPARE(storedValue("Wavelength") + ' ' + storedValue("UNIT") + ' '
+                     + storedValue("PowerLimit") + ' ' + storedValue("TestMode"),
+                 QString("1550 mW enable PowerMeter"));
+    }
+    void everyStep_data()
+    {
+        // file: the setup saved at the start, or the report exported
+        // before: what it holds before the run (null: no file)
+        addColumns<QString, QByteArray>("file before");
+        addRow("stored setup", kSettingFile, kStoredSetup);
+        addRow("new report", kReport, QByteArray());
+        addRow("over a report of that name", kReport, QByteArray("<html>an earlier report</html>"));
+    }
+    // Ended at each step of the save, the program leaves the file as it was before (or no file) or
+    // whole as it writes it, never a part; after the start-up save the next start restores every
+    // value of the setup and takes away any copy the crash left.
+    void everyStep()
+    {
+        QFETCH(QString, file);
+        QFETCH(QByteArray, before);
+        const TestDeviceRoot root;
+        QVERIFY(root.isValid());
+        const bool setup = file == kSettingFile;
+        const QString dir = QFileInfo(file).path();
+        QVERIFY(QDir().mkpath(root.file(dir)));
+        QVERIFY(before.isNull() || root.writeFile(file, before));
+        save(root, file);
+        const QStringList steps = g_steps;
+        const QByteArray written = root.readFile(file);
+        QVERIFY(setup ? setupLines(written) == setupLines(kStoredSetup)
+                      : written.endsWith("</body>\n</html>"));
+        QVERIFY2(madeDurable(steps, root.file(file), QDir(root.file(dir)).canonicalPath()),
+                 qPrintable(steps.join("; ")));
+
+        bool oldSeen = false, newSeen = false;
+        for (int at = 1; at <= steps.size(); ++at) {
+            QFile::remove(root.file(file));
+            QVERIFY(before.isNull() || root.writeFile(file, before));
+            QVERIFY2(save(root, file, at), qPrintable(steps.at(at - 1)));
+            const QByteArray left = root.readFile(file);
+            oldSeen |= left == before;
+            newSeen |= timeless(left) == timeless(written);
+            QVERIFY2(left == before || timeless(left) == timeless(written),
+                     qPrintable(steps.at(at - 1) + " left: " + QString::fromLatin1(left)));
+            if (!setup)
+                continue;
+            save(root, file);
+            QCOMPARE(setupLines(root.readFile(kSettingFile)), setupLines(kStoredSetup));
+            QCOMPARE(QDir(root.file(dir)).entryList(QStringList("opmSetup.conf.*"), QDir::Files),
+                     QStringList());
+        }
+        QVERIFY(oldSeen && newSeen);
+    }
+    void failedExportLeavesNothing_data()
+    {
+        addColumns<QString, QString>("name taken");
+        // Into no folder at all: tst_results' exports / "slash into no folder".
+        addRow("name held by a folder", kReport, kReport + "/kept");
+        addRow("folder replaced by a file", kReport + "/route-7.html", kReport);
+    }
+    // An export that cannot be made returns false, leaves what held the name and no part of itself.
+    void failedExportLeavesNothing()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, taken);
+        const TestDeviceRoot root;
+        QVERIFY(root.isValid());
+        QVERIFY(root.writeFile(taken, "kept"));
+        halmanager::PlatE2PromServ eeprom(root.path().toStdString());
+        const bool exported =
+            opmExportReport(QFile::encodeName(root.file(name)), std::list<Result>(), eeprom);
+        QCOMPARE(exported, false);
+        QCOMPARE(root.readFile(taken), QByteArray("kept"));
+        QVERIFY(!QFile::exists(root.file(name + ".part")));
+    }
 
 private:
     // The start-up save (file: the setup's) or an export into the root's `file`: made here, or
     // in a child killed at its `at`th step (whether it was). The steps are left in g_steps.
     bool save(const TestDeviceRoot& root, const QString& file, int at = 0);
 };
-
-void TestFileFaults::settingsLost_data()
-{
-    // atStart: else while the page runs
-    // blocked: taken away, a folder with all it holds
-    // blocker: put in its place: a "file", a "folder" or "binary" bytes
-    // fails: the changes cannot be kept
-    addColumns<bool, QString, QString, bool>("atStart blocked blocker fails");
-
-    addRow("binary file at start", true, kSettingFile, "binary", false);
-    addRow("folder is a file at start", true, "/home/Setting", "file", true);
-    addRow("home is a file at start", true, "/home", "file", true);
-    addRow("file deleted", false, kSettingFile, "", false);
-    addRow("folder deleted", false, "/home/Setting", "", false); // made again on writing
-    addRow("file is a folder", false, kSettingFile, "folder", true);
-    addRow("folder is a file", false, "/home/Setting", "file", true);
-    addRow("home is a file", false, "/home", "file", true);
-}
-
-// No key of the setup can be read: the page goes on with the defaults, and with its changes in
-// memory where they cannot be kept. A failure is traced once, not on every change, a file in
-// the way is left alone, and once the way is clear again the next change writes everything the
-// page holds.
-void TestFileFaults::settingsLost()
-{
-    QFETCH(bool, atStart);
-    QFETCH(QString, blocked);
-    QFETCH(QString, blocker);
-    QFETCH(bool, fails);
-
-    PageFixture fx(QByteArray(), !atStart);
-    QFile::remove(fx.root.file(kSettingFile));
-    TestCompat::removeRecursively(fx.root.file(blocked));
-    QByteArray content("in the way");
-    if (blocker == "binary") { // NULs, high bytes, brackets, quotes, equals signs
-        content = "[COpmSetup]\n";
-        for (int i = 0; i < 4096; ++i)
-            content.append(char(i * 37 + i / 256));
-    }
-    const QString path = blocked + (blocker == "folder" ? "/x" : "");
-    QVERIFY(blocker.isEmpty() || fx.root.writeFile(path, content));
-
-    StdoutCapture capture;
-    if (atStart)
-        fx.buildPage();
-    using P = OpmPageProbe;
-    P::choose(fx.page, P::Wave, 3);
-    P::click(fx.page, P::MW);
-    fx.show("1550", "-12.347");
-    const QByteArray trace = capture.take();
-    QCOMPARE(trace.count("COpmSetupConfig cannot write "), fails ? 1 : 0);
-    QCOMPARE(fx.reader.record()->wavelenthTarget, 3);
-    QCOMPARE(P::reading(fx.page), QString("0.058251 mW"));
-    QCOMPARE(fx.closer.count(), 0);
-    if (fails)
-        QCOMPARE(fx.root.readFile(path), content);
-    else // a garbled file is replaced by the setup and what could be read of it
-        QCOMPARE(storedValue("Wavelength") + ' ' + storedValue("UNIT") + ' '
-                     + storedValue("TestMode"),
-                 QString("1550 mW PowerMeter"));
-    QCOMPARE(storedSetup().size() >= 13, !fails);
-
-    // The way cleared: whatever sits at the taken path goes, the folder is back.
-    QFile::remove(fx.root.file(blocked));
-    TestCompat::removeRecursively(fx.root.file(blocked));
-    QVERIFY(QDir().mkpath(fx.root.file("/home/Setting")));
-    P::click(fx.page, P::Limits);
-    QCOMPARE(storedSetup().size(), 13);
-    QCOMPARE(storedValue("Wavelength") + ' ' + storedValue("UNIT") + ' ' + storedValue("PowerLimit")
-                 + ' ' + storedValue("TestMode"),
-             QString("1550 mW enable PowerMeter"));
-}
 
 bool TestFileFaults::save(const TestDeviceRoot& root, const QString& file, int at)
 {
@@ -244,81 +307,6 @@ bool TestFileFaults::save(const TestDeviceRoot& root, const QString& file, int a
         && WTERMSIG(status) == SIGKILL;
     g_dir[0] = g_realDir[0] = '\0';
     return killed;
-}
-
-void TestFileFaults::everyStep_data()
-{
-    // file: the setup saved at the start, or the report exported
-    // before: what it holds before the run (null: no file)
-    addColumns<QString, QByteArray>("file before");
-    addRow("stored setup", kSettingFile, kStoredSetup);
-    addRow("new report", kReport, QByteArray());
-    addRow("over a report of that name", kReport, QByteArray("<html>an earlier report</html>"));
-}
-
-// Ended at each step of the save, the program leaves the file as it was before (or no file) or
-// whole as it writes it, never a part; after the start-up save the next start restores every
-// value of the setup and takes away any copy the crash left.
-void TestFileFaults::everyStep()
-{
-    QFETCH(QString, file);
-    QFETCH(QByteArray, before);
-    const TestDeviceRoot root;
-    QVERIFY(root.isValid());
-    const bool setup = file == kSettingFile;
-    const QString dir = QFileInfo(file).path();
-    QVERIFY(QDir().mkpath(root.file(dir)));
-    QVERIFY(before.isNull() || root.writeFile(file, before));
-    save(root, file);
-    const QStringList steps = g_steps;
-    const QByteArray written = root.readFile(file);
-    QVERIFY(setup ? setupLines(written) == setupLines(kStoredSetup)
-                  : written.endsWith("</body>\n</html>"));
-    QVERIFY2(madeDurable(steps, root.file(file), QDir(root.file(dir)).canonicalPath()),
-             qPrintable(steps.join("; ")));
-
-    bool oldSeen = false, newSeen = false;
-    for (int at = 1; at <= steps.size(); ++at) {
-        QFile::remove(root.file(file));
-        QVERIFY(before.isNull() || root.writeFile(file, before));
-        QVERIFY2(save(root, file, at), qPrintable(steps.at(at - 1)));
-        const QByteArray left = root.readFile(file);
-        oldSeen |= left == before;
-        newSeen |= timeless(left) == timeless(written);
-        QVERIFY2(left == before || timeless(left) == timeless(written),
-                 qPrintable(steps.at(at - 1) + " left: " + QString::fromLatin1(left)));
-        if (!setup)
-            continue;
-        save(root, file);
-        QCOMPARE(setupLines(root.readFile(kSettingFile)), setupLines(kStoredSetup));
-        QCOMPARE(QDir(root.file(dir)).entryList(QStringList("opmSetup.conf.*"), QDir::Files),
-                 QStringList());
-    }
-    QVERIFY(oldSeen && newSeen);
-}
-
-void TestFileFaults::failedExportLeavesNothing_data()
-{
-    addColumns<QString, QString>("name taken");
-    // Into no folder at all: tst_report's names / "slash into no folder".
-    addRow("name held by a folder", kReport, kReport + "/kept");
-    addRow("folder replaced by a file", kReport + "/route-7.html", kReport);
-}
-
-// An export that cannot be made returns false, leaves what held the name and no part of itself.
-void TestFileFaults::failedExportLeavesNothing()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, taken);
-    const TestDeviceRoot root;
-    QVERIFY(root.isValid());
-    QVERIFY(root.writeFile(taken, "kept"));
-    halmanager::PlatE2PromServ eeprom(root.path().toStdString());
-    const bool exported =
-        opmExportReport(QFile::encodeName(root.file(name)), std::list<Result>(), eeprom);
-    QCOMPARE(exported, false);
-    QCOMPARE(root.readFile(taken), QByteArray("kept"));
-    QVERIFY(!QFile::exists(root.file(name + ".part")));
 }
 
 QTEST_MAIN(TestFileFaults)

@@ -47,333 +47,318 @@ class TestOpmSetup : public QObject
 {
     Q_OBJECT
 private slots:
-    void restore_data();
-    void restore();
-    void keptAsWritten_data();
-    void keptAsWritten();
-    void controls();
-    void entries_data();
-    void entries();
-    void referenceDialog_data();
-    void referenceDialog();
-    void withoutRecord();
-};
-
-void TestOpmSetup::restore_data()
-{
-    // selected: the wavelength selector's index; target: the one the reader is told.
-    addColumns<B, int, int, int, QString, QString, QString, QString>(
-        "setup selected target mode limitsRow references refLabel caption");
-    const QString off = "0 0 0 0 0", ref = "Ref.: 0 dBm", power = "Power Limits (dBm)";
-    const QString plain = "off (-60) (10) (dB) () grey";
-    addRow("no file", B(), 0, 0, 0, plain, off, ref, power);
-    addRow("loss meter, km, limits on",
-           B("TestMode=LossMeter\nLossUnit=km\nPowerLimit=enable\nLossLength=2.5"), 0, 0, 1,
-           "on -60 10 dB/km 2.5 white", off, ref, "Loss Limits");
-    addRow("1550 with its reference", B("Wavelength=1550\nReference1550=-7.5\xb5<&>x"), 3, 3, 0,
-           plain, "0 0 0 -7.5\xb5<&>x 0", "Ref.: -7.5\xb5<&>x dBm", power);
-    // Not a wavelength the page knows: the reader is told nothing.
-    addRow("wavelength 980", B("Wavelength=980\nReference850=-1\nReference1310=\"-2\\xe9,\""), 0, 4,
-           0, plain, "-1 -2\xe9, 0 0 0", ref, power);
-    // Not a loss unit the page knows: no step, so the caption keeps the white it was built with.
-    addRow("LossUnit dB", B("LossUnit=dB"), 0, 0, 0, "off (-60) (10) (dB) () white", off, ref,
-           power);
-    addRow("crossed limits",
-           B("UNIT=mW\nPowerLimit=enable\nPowerLimitMinimum=5\nPowerLimitMaximum=-5.25"), 0, 0, 0,
-           "on 5 -5.25 dB () grey", off, ref, "Power Limits (mW)");
-    // Cut to its field on the page; the file keeps it until a Set rewrites it.
-    addRow("reference of 10 kB", "Reference850=" + B(10240, '7'), 0, 0, 0, plain,
-           "777777777777777 0 0 0 0", "Ref.: 777777777777777 dBm", power);
-    const char* const lengths[] = { "abc", "0", "100000" };
-    for (int i = 0; i < 3; ++i)
-        addRow(QString("length ") + lengths[i],
-               "LossUnit=mi\nPowerLimit=enable\nLossLength=" + B(lengths[i]), 0, 0, 0,
-               "on -60 10 dB/mi 1 white", off, ref, power);
-        // Keys differ in case: not the page's, kept in the file as they are. Qt 4's QSettings
-        // matches keys in any case (it reads "Unit" as UNIT and writes UNIT into it), so there, as on
-        // the set, this row does not hold.
+    void restore_data()
+    {
+        // selected: the wavelength selector's index; target: the one the reader is told.
+        addColumns<B, int, int, int, QString, QString, QString, QString>(
+            "setup selected target mode limitsRow references refLabel caption");
+        const QString off = "0 0 0 0 0", ref = "Ref.: 0 dBm", power = "Power Limits (dBm)";
+        const QString plain = "off (-60) (10) (dB) () grey";
+        addRow("no file", B(), 0, 0, 0, plain, off, ref, power);
+        addRow("loss meter, km, limits on",
+               B("TestMode=LossMeter\nLossUnit=km\nPowerLimit=enable\nLossLength=2.5"), 0, 0, 1,
+               "on -60 10 dB/km 2.5 white", off, ref, "Loss Limits");
+        addRow("1550 with its reference", B("Wavelength=1550\nReference1550=-7.5\xb5<&>x"), 3, 3, 0,
+               plain, "0 0 0 -7.5\xb5<&>x 0", "Ref.: -7.5\xb5<&>x dBm", power);
+        // Not a wavelength the page knows: the reader is told nothing.
+        addRow("wavelength 980", B("Wavelength=980\nReference850=-1\nReference1310=\"-2\\xe9,\""),
+               0, 4, 0, plain, "-1 -2\xe9, 0 0 0", ref, power);
+        // Not a loss unit the page knows: no step, so the caption keeps the white it was built
+        // with.
+        addRow("LossUnit dB", B("LossUnit=dB"), 0, 0, 0, "off (-60) (10) (dB) () white", off, ref,
+               power);
+        addRow("crossed limits",
+               B("UNIT=mW\nPowerLimit=enable\nPowerLimitMinimum=5\nPowerLimitMaximum=-5.25"), 0, 0,
+               0, "on 5 -5.25 dB () grey", off, ref, "Power Limits (mW)");
+        // Cut to its field on the page; the file keeps it until a Set rewrites it.
+        addRow("reference of 10 kB", "Reference850=" + B(10240, '7'), 0, 0, 0, plain,
+               "777777777777777 0 0 0 0", "Ref.: 777777777777777 dBm", power);
+        const char* const lengths[] = { "abc", "0", "100000" };
+        for (int i = 0; i < 3; ++i)
+            addRow(QString("length ") + lengths[i],
+                   "LossUnit=mi\nPowerLimit=enable\nLossLength=" + B(lengths[i]), 0, 0, 0,
+                   "on -60 10 dB/mi 1 white", off, ref, power);
+            // Keys differ in case: not the page's, kept in the file as they are. Qt 4's QSettings
+            // matches keys in any case (it reads "Unit" as UNIT and writes UNIT into it), so there,
+            // as on the set, this row does not hold.
 #if QT_VERSION >= 0x050000
-    addRow("keys in other case", B("wavelength=1550\nUnit=mW"), 0, 0, 0, plain, off, ref, power);
+        addRow("keys in other case", B("wavelength=1550\nUnit=mW"), 0, 0, 0, plain, off, ref,
+               power);
 #endif
-}
-
-// Every start leaves a complete file: what was stored, the defaults for what was not, the check
-// box's state written back; and no trace of a folder or file it could not use.
-void TestOpmSetup::restore()
-{
-    QFETCH(B, setup);
-    QFETCH(int, selected);
-    QFETCH(int, target);
-    QFETCH(int, mode);
-    QFETCH(QString, limitsRow);
-    QFETCH(QString, references);
-    QFETCH(QString, refLabel);
-    QFETCH(QString, caption);
-
-    StdoutCapture trace;
-    PageFixture fx(setup, false);
-    // What the reader was last told, so that a step that writes nothing shows.
-    fx.reader.record()->wavelenthTarget = 4;
-    fx.buildPage();
-    QVERIFY(!trace.take().contains("cannot"));
-
-    NerioOpm* p = fx.page;
-    QCOMPARE(P::selector(p, P::Wave)->currentIndex(), selected);
-    QCOMPARE(fx.reader.record()->wavelenthTarget, target);
-    QCOMPARE(P::selector(p, P::Mode)->currentIndex(), mode);
-    QCOMPARE(P::layout(p), QString(mode ? "loss" : "power"));
-    QCOMPARE(P::limitsRow(p), limitsRow);
-    QCOMPARE(P::lossUnit(p), P::selector(p, P::LossUnit)->currentIndex());
-    QCOMPARE(P::references(p), references);
-    QCOMPARE(P::refLabel(p), refLabel);
-    QCOMPARE(P::caption(p), caption);
-    QCOMPARE(storedSetup(), setupLines(kSetupDefaults + setup));
-}
-
-void TestOpmSetup::keptAsWritten_data()
-{
-    addColumns<B, QString>("line text"); // line: the value of Reference850 in the file
-    addRow("commas", B("1,5"), "1,5");
-    addRow("commas, as a save quotes them", B("\"1,5\""), "1,5");
-    addRow("quote, as a save escapes it", B("a\\\"b"), "a\"b");
-    addRow("quote left open", B("a\"b"), "a\"b");
-    addRow("semicolon", B("-1.5;x"), "-1.5;x");
-    addRow("invalid value", B("@Invalid()"), "@Invalid()");
-    addRow("at sign, as a save doubles it", B("@@x"), "@x");
-    addRow("Latin-1 and markup", B("-1\xe9<&>"), "-1\xe9<&>");
-}
-
-// Stored setup texts that the settings class would read as something else: a list at a comma,
-// a comment at a semicolon, a typed value at an '@', or a text running on at an open quote.
-// Each comes back as the operator or the previous save wrote it, and the file written back
-// reads the same, for the page and for QSettings.
-void TestOpmSetup::keptAsWritten()
-{
-    QFETCH(B, line);
-    QFETCH(QString, text);
-    TestDeviceRoot root;
-    QVERIFY(root.writeFile("/home/Setting/opmSetup.conf",
-                           "[COpmSetup]\nReference850=" + line + "\nReference1310=-2\n"));
-    COpmSetupConfig config;
-    QCOMPARE(config.mreference850, text);
-    QCOMPARE(config.mreference1310, QString("-2"));
-    const QByteArray firstSave = root.readFile("/home/Setting/opmSetup.conf");
-    // A copy, so that QSettings parses the file rather than serve what it cached on writing it.
-    QVERIFY(root.writeFile("/copy.conf", firstSave));
-    QSettings copy(root.file("/copy.conf"), QSettings::IniFormat);
-    QCOMPARE(copy.value("COpmSetup/Reference850").toString(), text);
-
-    COpmSetupConfig again;
-    QCOMPARE(again.mreference850, text);
-    QCOMPARE(root.readFile("/home/Setting/opmSetup.conf"), firstSave);
-}
-
-// Built, the page does not poll; shown, it polls, and hidden, it stops. Each control takes effect
-// at once and rewrites every key (the last change's file is checked whole); Hold writes nothing.
-// The reader is told the chosen wavelength, never the mode; the reference label follows the
-// choice in Loss Meter mode only. The mode sets layout and caption whatever the unit; only a
-// retranslation, which keeps the mode, captions the limits by the unit again. In Loss Meter mode,
-// dB empties and disables the length field but keeps the length; dB/km and dB/mi show it again.
-// Unchecked limits disable their fields, keep their texts and span the bar over -60..10. The bar
-// keeps its place over the laid-out page.
-void TestOpmSetup::controls()
-{
-    const B setup = "Wavelength=1550\nPowerLimit=enable\nPowerLimitMinimum=-40.5\n"
-                    "PowerLimitMaximum=-2\nLossUnit=km\nLossLength=2.5\nReference1310=-2\xe9\n"
-                    "Reference1625=-5";
-    PageFixture fx(setup);
-    NerioOpm* p = fx.page;
-    QVERIFY(!P::timer(p)->isActive());
-    p->resize(658, 368);
-    p->show();
-    QVERIFY(TestCompat::waitForShown(p));
-    QVERIFY(P::timer(p)->isActive());
-    QVERIFY(QFile::remove(DevicePaths::settingFile()));
-    P::click(p, P::Hold);
-    P::click(p, P::Hold);
-    QCOMPARE(storedSetup(), QStringList());
-
-    P::click(p, P::MW);
-    QCOMPARE(P::caption(p), QString("Power Limits (mW)"));
-    P::choose(p, P::Wave, 4);
-    QCOMPARE(fx.reader.record()->wavelenthTarget, 4);
-    QCOMPARE(P::refLabel(p), QString("Ref.: 0 dBm"));
-    P::choose(p, P::Mode, 1);
-    QCOMPARE(P::layout(p) + ' ' + P::caption(p), QString("loss Loss Limits"));
-    QCOMPARE(storedValue("TestMode"), QString("LossMeter"));
-    P::choose(p, P::Wave, 1);
-    QCOMPARE(fx.reader.record()->wavelenthTarget, 1);
-    QCOMPARE(P::refLabel(p), QString::fromLatin1("Ref.: -2\xe9 dBm"));
-
-    P::choose(p, P::LossUnit, 0);
-    QCOMPARE(P::limitsRow(p), QString("on -40.5 -2 dB () grey"));
-    QCOMPARE(P::lossUnit(p), 0);
-    QCOMPARE(storedValue("LossUnit"), QString("db"));
-    P::choose(p, P::LossUnit, 2);
-    QCOMPARE(P::limitsRow(p), QString("on -40.5 -2 dB/mi 2.5 white"));
-    QCOMPARE(storedValue("LossUnit"), QString("mi"));
-    P::choose(p, P::LossUnit, 1);
-    P::click(p, P::Limits);
-    QCOMPARE(P::limitsRow(p), QString("off (-40.5) (-2) (dB/km) (2.5) white"));
-    QCOMPARE(P::barRange(p), QString("-60.00..10.00"));
-
-    p->translate();
-    QCOMPARE(P::selector(p, P::Mode)->currentIndex(), 1);
-    QCOMPARE(P::caption(p), QString("Loss Limits"));
-    P::choose(p, P::Mode, 0);
-    QCOMPARE(P::layout(p) + ' ' + P::caption(p), QString("power Power Limits (dBm)"));
-    p->translate();
-    QCOMPARE(P::caption(p), QString("Power Limits (mW)"));
-    QCOMPARE(fx.reader.record()->wavelenthTarget, 1);
-    QCOMPARE(storedSetup(),
-             setupLines(kSetupDefaults + setup + "\nUNIT=mW\nWavelength=1310\nPowerLimit=disable"));
-    QCOMPARE(P::bar(p)->geometry(), QRect(205, 200, 255, 40));
-    p->hide();
-    QVERIFY(!P::timer(p)->isActive());
-}
-
-// An entry into a limit or the length of a Loss Meter page in dB/km, limits on, length 7: a
-// refused one is put back in its field and boxed; the bar follows the limits.
-void TestOpmSetup::entries_data()
-{
-    // stored: the value the page keeps, which a refused entry puts back in its field; box: none
-    // when empty.
-    addColumns<B, int, QString, QString, QString, QString>("setup field entry stored box barRange");
-    const QString limitsBox =
-        "Error: Minimum must be less or equal to Maximum! Please input again.";
-    const QString lengthBox = "Error: The length must be greater than zero! Please input again.";
-    const B wide = lossPage("-60", "10");
-    const QString range = "-60.00..10.00";
-    addRow("max above range", wide, int(P::Max), "12", "10", limitsBox, range);
-    addRow("min below range", wide, int(P::Min), "-61", "-60", limitsBox, range);
-    addRow("min above max", lossPage("-60", "-10"), int(P::Min), "-5", "-60", limitsBox,
-           "-60.00..-10.00");
-    addRow("max below min", lossPage("-20", "-10"), int(P::Max), "-30", "-10", limitsBox,
-           "-20.00..-10.00");
-    addRow("min nan", wide, int(P::Min), "nan", "-60", limitsBox, range);
-    addRow("min equal to max", lossPage("-60", "-10.25"), int(P::Min), "-10.25", "-10.25", "",
-           "-10.25..-10.25");
-    addRow("max at top", lossPage("-60", "0"), int(P::Max), "10", "10", "", range);
-    addRow("min with decimals", wide, int(P::Min), "-12.347", "-12.347", "", "-12.35..10.00");
-    addRow("length zero", wide, int(P::Length), "0", "1", lengthBox, range);
-    addRow("length above range", wide, int(P::Length), "100000", "1", lengthBox, range);
-    addRow("length nan", wide, int(P::Length), "nan", "1", lengthBox, range);
-    addRow("length at top", wide, int(P::Length), "99999", "99999", "", range);
-    // An accepted entry stays as typed.
-    addRow("length trailing zero", wide, int(P::Length), "2.50", "2.5", "", range);
-}
-
-void TestOpmSetup::entries()
-{
-    QFETCH(B, setup);
-    QFETCH(int, field);
-    QFETCH(QString, entry);
-    QFETCH(QString, stored);
-    QFETCH(QString, box);
-    QFETCH(QString, barRange);
-
-    PageFixture fx(setup);
-    P::enter(fx.page, P::Field(field), entry);
-    const char* const keys[] = { "PowerLimitMinimum", "PowerLimitMaximum", "LossLength" };
-    QCOMPARE(P::field(fx.page, P::Field(field))->text(), box.isEmpty() ? entry : stored);
-    QCOMPARE(storedValue(keys[field]), stored);
-    QCOMPARE(fx.closer.boxes().join(""), box);
-    QCOMPARE(P::barRange(fx.page), barRange);
-}
-
-// The modal dialog names the reading captured at the press and the stored reference. Set stores
-// the captured reading for the wavelength reported at Set; however the dialog goes without Set,
-// nothing is stored and the capture follows the reading again. A second press while it is open
-// leaves that one dialog, which Set then answers.
-void TestOpmSetup::referenceDialog_data()
-{
-    // before: the values shown at 1310 nm before the press; during: the wavelength shown while
-    // open (-20 dBm); answer: set, cancel, escape, twice (Reference again, then Set) or open;
-    // dialog: what it said; references: the page's and the file's; capture: what a press would
-    // take.
-    addColumns<B, B, QString, QString, QString, QString, QString>(
-        "before during answer dialog references refLabel capture");
-    const QString keep =
-        "\nOr press Cancel instead if you prefer to keep the previously stored value of ";
-    const QString at1310 = "Current Optical Level:-12.347 dBm at 1310 nm" + keep + "0 dBm";
-    const QString kept = "-1 0 -3 -4.125 -5", set = "-1 -12.347 -3 -4.125 -5";
-    addRow("open", B("-12.347"), B("1310"), "open", at1310, kept, "Ref.: -1 dBm", "-12.347");
-    addRow("set", B("-12.347"), B("1310"), "set", at1310, set, "Ref.: -12.347 dBm", "-20");
-    addRow("no light at the press", B("-7.5 ---.--"), B("1310"), "set",
-           "Current Optical Level:---.-- dBm at 1310 nm" + keep + "0 dBm", "-1 -7.5 -3 -4.125 -5",
-           "Ref.: -7.5 dBm", "-20");
-    addRow("no reading yet", B(), B("850"), "set",
-           "Current Optical Level:0 dBm at 850 nm" + keep + "-1 dBm", "0 0 -3 -4.125 -5",
-           "Ref.: 0 dBm", "-20");
-    addRow("wavelength changes while open", B("-12.347"), B("1550"), "set", at1310,
-           "-1 0 -3 -12.347 -5", "Ref.: -12.347 dBm", "-20");
-    addRow("cancel", B("-12.347"), B("1310"), "cancel", at1310, kept, "Ref.: -1 dBm", "-20");
-    addRow("escape", B("-12.347"), B("1310"), "escape", at1310, kept, "Ref.: -1 dBm", "-20");
-    addRow("pressed twice", B("-12.347"), B("1310"), "twice", at1310, set, "Ref.: -12.347 dBm",
-           "-20");
-}
-
-void TestOpmSetup::referenceDialog()
-{
-    QFETCH(B, before);
-    QFETCH(B, during);
-    QFETCH(QString, answer);
-    QFETCH(QString, dialog);
-    QFETCH(QString, references);
-    QFETCH(QString, refLabel);
-    QFETCH(QString, capture);
-
-    PageFixture fx(kReferences);
-    NerioOpm* p = fx.page;
-    foreach (const QByteArray& value, before.split(' ')) {
-        if (!value.isEmpty())
-            fx.show("1310", value.constData());
     }
-    P::click(p, P::Reference);
-    QVERIFY(P::dialog(p));
-    QCOMPARE(P::dialog(p)->windowModality(), Qt::ApplicationModal);
-    QCOMPARE(P::dialogText(p), dialog);
-    fx.show(during.constData(), "-20");
-    if (answer == "twice")
-        P::click(p, P::Reference);
-    if (answer == "set" || answer == "twice")
-        P::click(p, P::Set);
-    else if (answer == "cancel")
-        P::click(p, P::Cancel);
-    else if (answer == "escape")
-        P::escape(p);
-    fx.show(during.constData(), "-20");
-    const int open = answer == "open";
-    QCOMPARE(P::openDialogs(p), open);
-    QCOMPARE(P::references(p), references);
-    QStringList file;
-    for (const char* wave : { "850", "1310", "1490", "1550", "1625" })
-        file << storedValue(QString("Reference") + wave);
-    QCOMPARE(file.join(" "), references);
-    QCOMPARE(P::refLabel(p), refLabel);
-    QCOMPARE(fieldText(P::capture(p).value), capture);
-    QCOMPARE(int(P::capture(p).flag), open);
-}
+    // Every start leaves a complete file: what was stored, the defaults for what was not, the check
+    // box's state written back; and no trace of a folder or file it could not use.
+    void restore()
+    {
+        QFETCH(B, setup);
+        QFETCH(int, selected);
+        QFETCH(int, target);
+        QFETCH(int, mode);
+        QFETCH(QString, limitsRow);
+        QFETCH(QString, references);
+        QFETCH(QString, refLabel);
+        QFETCH(QString, caption);
 
-// A failed attachment leaves the page working without the record: it never reads or writes
-// through the failed address, which would fault.
-void TestOpmSetup::withoutRecord()
-{
-    PageFixture fx(QByteArray(), false);
-    g_failAttach = true;
-    fx.buildPage();
-    g_failAttach = false;
-    NerioOpm* p = fx.page;
-    p->show();
-    P::tick(p);
-    P::click(p, P::Save);
-    P::choose(p, P::Wave, 3);
-    QVERIFY(!P::timer(p)->isActive());
-    QCOMPARE(P::reading(p), QString("OPM Not Connected!"));
-    QCOMPARE(fx.stored(), 0);
-    QCOMPARE(fx.closer.count(), 0);
-    QCOMPARE(storedValue("Wavelength"), QString("1550"));
-}
+        StdoutCapture trace;
+        PageFixture fx(setup, false);
+        // What the reader was last told, so that a step that writes nothing shows.
+        fx.reader.record()->wavelenthTarget = 4;
+        fx.buildPage();
+        QVERIFY(!trace.take().contains("cannot"));
+
+        NerioOpm* p = fx.page;
+        QCOMPARE(P::selector(p, P::Wave)->currentIndex(), selected);
+        QCOMPARE(fx.reader.record()->wavelenthTarget, target);
+        QCOMPARE(P::selector(p, P::Mode)->currentIndex(), mode);
+        QCOMPARE(P::layout(p), QString(mode ? "loss" : "power"));
+        QCOMPARE(P::limitsRow(p), limitsRow);
+        QCOMPARE(P::lossUnit(p), P::selector(p, P::LossUnit)->currentIndex());
+        QCOMPARE(P::references(p), references);
+        QCOMPARE(P::refLabel(p), refLabel);
+        QCOMPARE(P::caption(p), caption);
+        QCOMPARE(storedSetup(), setupLines(kSetupDefaults + setup));
+    }
+    void keptAsWritten_data()
+    {
+        addColumns<B, QString>("line text"); // line: the value of Reference850 in the file
+        addRow("commas", B("1,5"), "1,5");
+        addRow("commas, as a save quotes them", B("\"1,5\""), "1,5");
+        addRow("quote, as a save escapes it", B("a\\\"b"), "a\"b");
+        addRow("quote left open", B("a\"b"), "a\"b");
+        addRow("semicolon", B("-1.5;x"), "-1.5;x");
+        addRow("invalid value", B("@Invalid()"), "@Invalid()");
+        addRow("at sign, as a save doubles it", B("@@x"), "@x");
+        addRow("Latin-1 and markup", B("-1\xe9<&>"), "-1\xe9<&>");
+    }
+    // Stored setup texts that the settings class would read as something else: a list at a comma,
+    // a comment at a semicolon, a typed value at an '@', or a text running on at an open quote.
+    // Each comes back as the operator or the previous save wrote it, and the file written back
+    // reads the same, for the page and for QSettings.
+    void keptAsWritten()
+    {
+        QFETCH(B, line);
+        QFETCH(QString, text);
+        TestDeviceRoot root;
+        QVERIFY(root.writeFile("/home/Setting/opmSetup.conf",
+                               "[COpmSetup]\nReference850=" + line + "\nReference1310=-2\n"));
+        COpmSetupConfig config;
+        QCOMPARE(config.mreference850, text);
+        QCOMPARE(config.mreference1310, QString("-2"));
+        const QByteArray firstSave = root.readFile("/home/Setting/opmSetup.conf");
+        // A copy, so that QSettings parses the file rather than serve what it cached on writing it.
+        QVERIFY(root.writeFile("/copy.conf", firstSave));
+        QSettings copy(root.file("/copy.conf"), QSettings::IniFormat);
+        QCOMPARE(copy.value("COpmSetup/Reference850").toString(), text);
+
+        COpmSetupConfig again;
+        QCOMPARE(again.mreference850, text);
+        QCOMPARE(root.readFile("/home/Setting/opmSetup.conf"), firstSave);
+    }
+    // Built, the page does not poll; shown, it polls, and hidden, it stops. Each control takes
+    // effect at once and rewrites every key (the last change's file is checked whole); Hold writes
+    // nothing. The reader is told the chosen wavelength, never the mode; the reference label
+    // follows the choice in Loss Meter mode only. The mode sets layout and caption whatever the
+    // unit; only a retranslation, which keeps the mode, captions the limits by the unit again. In
+    // Loss Meter mode, dB empties and disables the length field but keeps the length; dB/km and
+    // dB/mi show it again. Unchecked limits disable their fields, keep their texts and span the bar
+    // over -60..10. The bar keeps its place over the laid-out page.
+    void controls()
+    {
+        const B setup = "Wavelength=1550\nPowerLimit=enable\nPowerLimitMinimum=-40.5\n"
+                        "PowerLimitMaximum=-2\nLossUnit=km\nLossLength=2.5\nReference1310=-2\xe9\n"
+                        "Reference1625=-5";
+        PageFixture fx(setup);
+        NerioOpm* p = fx.page;
+        QVERIFY(!P::timer(p)->isActive());
+        p->resize(658, 368);
+        p->show();
+        QVERIFY(TestCompat::waitForShown(p));
+        QVERIFY(P::timer(p)->isActive());
+        QVERIFY(QFile::remove(DevicePaths::settingFile()));
+        P::click(p, P::Hold);
+        P::click(p, P::Hold);
+        QCOMPARE(storedSetup(), QStringList());
+
+        P::click(p, P::MW);
+        QCOMPARE(P::caption(p), QString("Power Limits (mW)"));
+        P::choose(p, P::Wave, 4);
+        QCOMPARE(fx.reader.record()->wavelenthTarget, 4);
+        QCOMPARE(P::refLabel(p), QString("Ref.: 0 dBm"));
+        P::choose(p, P::Mode, 1);
+        QCOMPARE(P::layout(p) + ' ' + P::caption(p), QString("loss Loss Limits"));
+        QCOMPARE(storedValue("TestMode"), QString("LossMeter"));
+        P::choose(p, P::Wave, 1);
+        QCOMPARE(fx.reader.record()->wavelenthTarget, 1);
+        QCOMPARE(P::refLabel(p), QString::fromLatin1("Ref.: -2\xe9 dBm"));
+
+        P::choose(p, P::LossUnit, 0);
+        QCOMPARE(P::limitsRow(p), QString("on -40.5 -2 dB () grey"));
+        QCOMPARE(P::lossUnit(p), 0);
+        QCOMPARE(storedValue("LossUnit"), QString("db"));
+        P::choose(p, P::LossUnit, 2);
+        QCOMPARE(P::limitsRow(p), QString("on -40.5 -2 dB/mi 2.5 white"));
+        QCOMPARE(storedValue("LossUnit"), QString("mi"));
+        P::choose(p, P::LossUnit, 1);
+        P::click(p, P::Limits);
+        QCOMPARE(P::limitsRow(p), QString("off (-40.5) (-2) (dB/km) (2.5) white"));
+        QCOMPARE(P::barRange(p), QString("-60.00..10.00"));
+
+        p->translate();
+        QCOMPARE(P::selector(p, P::Mode)->currentIndex(), 1);
+        QCOMPARE(P::caption(p), QString("Loss Limits"));
+        P::choose(p, P::Mode, 0);
+        QCOMPARE(P::layout(p) + ' ' + P::caption(p), QString("power Power Limits (dBm)"));
+        p->translate();
+        QCOMPARE(P::caption(p), QString("Power Limits (mW)"));
+        QCOMPARE(fx.reader.record()->wavelenthTarget, 1);
+        QCOMPARE(
+            storedSetup(),
+            setupLines(kSetupDefaults + setup + "\nUNIT=mW\nWavelength=1310\nPowerLimit=disable"));
+        QCOMPARE(P::bar(p)->geometry(), QRect(205, 200, 255, 40));
+        p->hide();
+        QVERIFY(!P::timer(p)->isActive());
+    }
+    // An entry into a limit or the length of a Loss Meter page in dB/km, limits on, length 7: a
+    // refused one is put back in its field and boxed; the bar follows the limits.
+    void entries_data()
+    {
+        // stored: the value the page keeps, which a refused entry puts back in its field; box: none
+        // when empty.
+        addColumns<B, int, QString, QString, QString, QString>(
+            "setup field entry stored box barRange");
+        const QString limitsBox =
+            "Error: Minimum must be less or equal to Maximum! Please input again.";
+        const QString lengthBox =
+            "Error: The length must be greater than zero! Please input again.";
+        const B wide = lossPage("-60", "10");
+        const QString range = "-60.00..10.00";
+        addRow("max above range", wide, int(P::Max), "12", "10", limitsBox, range);
+        addRow("min below range", wide, int(P::Min), "-61", "-60", limitsBox, range);
+        addRow("min above max", lossPage("-60", "-10"), int(P::Min), "-5", "-60", limitsBox,
+               "-60.00..-10.00");
+        addRow("max below min", lossPage("-20", "-10"), int(P::Max), "-30", "-10", limitsBox,
+               "-20.00..-10.00");
+        addRow("min nan", wide, int(P::Min), "nan", "-60", limitsBox, range);
+        addRow("min equal to max", lossPage("-60", "-10.25"), int(P::Min), "-10.25", "-10.25", "",
+               "-10.25..-10.25");
+        addRow("max at top", lossPage("-60", "0"), int(P::Max), "10", "10", "", range);
+        addRow("min with decimals", wide, int(P::Min), "-12.347", "-12.347", "", "-12.35..10.00");
+        addRow("length zero", wide, int(P::Length), "0", "1", lengthBox, range);
+        addRow("length above range", wide, int(P::Length), "100000", "1", lengthBox, range);
+        addRow("length nan", wide, int(P::Length), "nan", "1", lengthBox, range);
+        addRow("length at top", wide, int(P::Length), "99999", "99999", "", range);
+        // An accepted entry stays as typed.
+        addRow("length trailing zero", wide, int(P::Length), "2.50", "2.5", "", range);
+    }
+    void entries()
+    {
+        QFETCH(B, setup);
+        QFETCH(int, field);
+        QFETCH(QString, entry);
+        QFETCH(QString, stored);
+        QFETCH(QString, box);
+        QFETCH(QString, barRange);
+
+        PageFixture fx(setup);
+        P::enter(fx.page, P::Field(field), entry);
+        const char* const keys[] = { "PowerLimitMinimum", "PowerLimitMaximum", "LossLength" };
+        QCOMPARE(P::field(fx.page, P::Field(field))->text(), box.isEmpty() ? entry : stored);
+        QCOMPARE(storedValue(keys[field]), stored);
+        QCOMPARE(fx.closer.boxes().join(""), box);
+        QCOMPARE(P::barRange(fx.page), barRange);
+    }
+    // The modal dialog names the reading captured at the press and the stored reference. Set stores
+    // the captured reading for the wavelength reported at Set; however the dialog goes without Set,
+    // nothing is stored and the capture follows the reading again. A second press while it is open
+    // leaves that one dialog, which Set then answers.
+    void referenceDialog_data()
+    {
+        // before: the values shown at 1310 nm before the press; during: the wavelength shown while
+        // open (-20 dBm); answer: set, cancel, escape, twice (Reference again, then Set) or open;
+        // dialog: what it said; references: the page's and the file's; capture: what a press would
+        // take.
+        addColumns<B, B, QString, QString, QString, QString, QString>(
+            "before during answer dialog references refLabel capture");
+        const QString keep =
+            "\nOr press Cancel instead if you prefer to keep the previously stored value of ";
+        const QString at1310 = "Current Optical Level:-12.347 dBm at 1310 nm" + keep + "0 dBm";
+        const QString kept = "-1 0 -3 -4.125 -5", set = "-1 -12.347 -3 -4.125 -5";
+        addRow("open", B("-12.347"), B("1310"), "open", at1310, kept, "Ref.: -1 dBm", "-12.347");
+        addRow("set", B("-12.347"), B("1310"), "set", at1310, set, "Ref.: -12.347 dBm", "-20");
+        addRow("no light at the press", B("-7.5 ---.--"), B("1310"), "set",
+               "Current Optical Level:---.-- dBm at 1310 nm" + keep + "0 dBm",
+               "-1 -7.5 -3 -4.125 -5", "Ref.: -7.5 dBm", "-20");
+        addRow("no reading yet", B(), B("850"), "set",
+               "Current Optical Level:0 dBm at 850 nm" + keep + "-1 dBm", "0 0 -3 -4.125 -5",
+               "Ref.: 0 dBm", "-20");
+        addRow("wavelength changes while open", B("-12.347"), B("1550"), "set", at1310,
+               "-1 0 -3 -12.347 -5", "Ref.: -12.347 dBm", "-20");
+        addRow("cancel", B("-12.347"), B("1310"), "cancel", at1310, kept, "Ref.: -1 dBm", "-20");
+        addRow("escape", B("-12.347"), B("1310"), "escape", at1310, kept, "Ref.: -1 dBm", "-20");
+        addRow("pressed twice", B("-12.347"), B("1310"), "twice", at1310, set, "Ref.: -12.347 dBm",
+               "-20");
+    }
+    void referenceDialog()
+    {
+        QFETCH(B, before);
+        QFETCH(B, during);
+        QFETCH(QString, answer);
+        QFETCH(QString, dialog);
+        QFETCH(QString, references);
+        QFETCH(QString, refLabel);
+        QFETCH(QString, capture);
+
+        PageFixture fx(kReferences);
+        NerioOpm* p = fx.page;
+        foreach (const QByteArray& value, before.split(' ')) {
+            if (!value.isEmpty())
+                fx.show("1310", value.constData());
+        }
+        P::click(p, P::Reference);
+        QVERIFY(P::dialog(p));
+        QCOMPARE(P::dialog(p)->windowModality(), Qt::ApplicationModal);
+        QCOMPARE(P::dialogText(p), dialog);
+        fx.show(during.constData(), "-20");
+        if (answer == "twice")
+            P::click(p, P::Reference);
+        if (answer == "set" || answer == "twice")
+            P::click(p, P::Set);
+        else if (answer == "cancel")
+            P::click(p, P::Cancel);
+        else if (answer == "escape")
+            P::escape(p);
+        fx.show(during.constData(), "-20");
+        const int open = answer == "open";
+        QCOMPARE(P::openDialogs(p), open);
+        QCOMPARE(P::references(p), references);
+        QStringList file;
+        for (const char* wave : { "850", "1310", "1490", "1550", "1625" })
+            file << storedValue(QString("Reference") + wave);
+        QCOMPARE(file.join(" "), references);
+        QCOMPARE(P::refLabel(p), refLabel);
+        QCOMPARE(fieldText(P::capture(p).value), capture);
+        QCOMPARE(int(P::capture(p).flag), open);
+    }
+    // A failed attachment leaves the page working without the record: it never reads or writes
+    // through the failed address, which would fault.
+    void withoutRecord()
+    {
+        PageFixture fx(QByteArray(), false);
+        g_failAttach = true;
+        fx.buildPage();
+        g_failAttach = false;
+        NerioOpm* p = fx.page;
+        p->show();
+        P::tick(p);
+        P::click(p, P::Save);
+        P::choose(p, P::Wave, 3);
+        QVERIFY(!P::timer(p)->isActive());
+        QCOMPARE(P::reading(p), QString("OPM Not Connected!"));
+        QCOMPARE(fx.stored(), 0);
+        QCOMPARE(fx.closer.count(), 0);
+        QCOMPARE(storedValue("Wavelength"), QString("1550"));
+    }
+};
 
 QTEST_MAIN(TestOpmSetup)
 #include "tst_opmsetup.moc"

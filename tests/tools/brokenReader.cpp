@@ -1,7 +1,7 @@
-// brokenReader [--break RULE]: a power reader that keeps the shared record's contract, or breaks exactly
-// one rule of it, for the reader check's tests. Rules: wrong-key, small-segment, no-nul,
-// wavelength-unit, unit-case, comma-value, flag-3, slow, ignores-target, slow-retune,
-// clears-save, saves-unasked, dies-at-once. It runs until it is killed.
+// brokenReader [--break RULE]: a power reader that keeps the shared record's contract, or breaks
+// exactly one rule of it, for the reader check's tests. Rules: wrong-key, small-segment, no-nul,
+// wavelength-unit, unit-case, comma-value, flag-3, slow, ignores-target, slow-retune, clears-save,
+// saves-unasked, dies-at-once. It runs until it is killed.
 #include "fixedText.h"
 #include "opmShareRecord.h"
 
