@@ -1,4 +1,5 @@
-# The tools: the shell stand-in and the simulated reader, run as the programs they are.
+# The tools: the shell stand-in, the simulated reader and the record tool, run as the programs
+# they are.
 
 # Plug-in files the shell stand-in must refuse; see tools/fakePlugin.cpp for the variants.
 set(OPM_FAKE_PLUGINS wrongversion wrongbuildkey sectiondiffers)
@@ -13,26 +14,22 @@ foreach(fake ${OPM_FAKE_PLUGINS})
     math(EXPR variant "${variant} + 1")
 endforeach()
 
-opm_add_test(tst_tools tools/tst_tools.cpp)
-target_compile_definitions(tst_tools PRIVATE
-    LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
-    OPMSHELL_PATH="$<TARGET_FILE:opmshell>"
-    DEMO_PLUGIN_PATH="$<TARGET_FILE:opmplugin_demo>"
-    ${OPM_FAKE_PLUGIN_DEFINITIONS})
-add_dependencies(tst_tools opmshell opmplugin_demo lumenProbe)
-foreach(fake ${OPM_FAKE_PLUGINS})
-    add_dependencies(tst_tools fakeplugin_${fake})
-endforeach()
-
-# The record tool: its reader check against the simulated reader and against a reader that
+# The record tool's reader check runs against the simulated reader and against a reader that
 # breaks one rule; its trend log and chart as they run, their files read back by the library.
 add_executable(brokenReader tools/brokenReader.cpp)
 target_link_libraries(brokenReader PRIVATE opmshare)
 set_target_properties(brokenReader PROPERTIES AUTOMOC OFF)
-opm_add_test(tst_opmrecord tools/tst_opmrecord.cpp)
-target_link_libraries(tst_opmrecord PRIVATE opmcheckedreader opmrecordtrend)
-target_compile_definitions(tst_opmrecord PRIVATE
-    OPMRECORD_PATH="$<TARGET_FILE:opmrecord>"
+
+opm_add_test(tst_tools tools/tst_tools.cpp)
+target_link_libraries(tst_tools PRIVATE opmcheckedreader opmrecordtrend)
+target_compile_definitions(tst_tools PRIVATE
     LUMENPROBE_PATH="$<TARGET_FILE:lumenProbe>"
-    BROKENREADER_PATH="$<TARGET_FILE:brokenReader>")
-add_dependencies(tst_opmrecord opmrecord lumenProbe brokenReader)
+    OPMSHELL_PATH="$<TARGET_FILE:opmshell>"
+    OPMRECORD_PATH="$<TARGET_FILE:opmrecord>"
+    BROKENREADER_PATH="$<TARGET_FILE:brokenReader>"
+    DEMO_PLUGIN_PATH="$<TARGET_FILE:opmplugin_demo>"
+    ${OPM_FAKE_PLUGIN_DEFINITIONS})
+add_dependencies(tst_tools opmshell opmplugin_demo lumenProbe opmrecord brokenReader)
+foreach(fake ${OPM_FAKE_PLUGINS})
+    add_dependencies(tst_tools fakeplugin_${fake})
+endforeach()

@@ -1,7 +1,7 @@
 // Texts of fixed width and the reading's text: bounded copies, which never run past a field and
 // keep the unit of a measurement that does not fit; and the reading display's arithmetic and
 // text without a page, in each mode and unit, for no light and values no reader should send (the
-// reading as the page shows it: tst_opmreading).
+// reading as the page shows it: tst_setuptab).
 #include "fixedText.h"
 #include "opmReading.h"
 #include "testSupport.h"

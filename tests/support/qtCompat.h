@@ -4,7 +4,6 @@
 // What the suites need that Qt 4.8 and Qt 5.15 spell differently, or that only one of them has.
 // The suites build against both toolkits and use these instead.
 
-#include <QPixmap>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -12,16 +11,6 @@
 #include <QWidget>
 
 namespace TestCompat {
-
-// The widget as it paints itself, children included.
-inline QPixmap grab(QWidget* widget)
-{
-#if QT_VERSION >= 0x050000
-    return widget->grab();
-#else
-    return QPixmap::grabWidget(widget);
-#endif
-}
 
 // Waits until the window system has shown the widget's window.
 inline bool waitForShown(QWidget* widget)

@@ -1,4 +1,6 @@
-// The files the page keeps unusable or cut short. The settings file and folder: unusable at the
+// Faults the page survives. The power reader going away while the page runs: the simulated one,
+// installed at the reader's path of the test's own root and started by the main page as the set
+// starts it. The files the page keeps unusable or cut short: the settings file and folder: unusable at the
 // start or taken away while the page runs. A crash or a power cut at every step of a save: the
 // setup's save at the start and a report export, each made once whole and then once per step in
 // a child of this process that is ended with SIGKILL at that step; what they leave is then read
@@ -28,6 +30,8 @@
 #include <limits.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+using P = OpmPageProbe;
 
 namespace {
 
@@ -99,6 +103,35 @@ int rename(const char* from, const char* to)
 
 namespace {
 
+// Generous: other suites may be running beside this one on a small machine.
+const int kWaitMs = 20000;
+
+// What the page shows of a live reading in dBm.
+bool isReading(const QString& label) { return QRegExp("-?\\d+\\.\\d{3} dBm").exactMatch(label); }
+
+// The main page shown, the simulated reader running and the Setup tab polling it once a second.
+struct LivePage
+{
+    bool start()
+    {
+        if (!fx.root.installReader(LUMENPROBE_PATH))
+            return false;
+        main.reset(new COpmMainPage);
+        main->setGeometry(141, 61, 658, 398);
+        main->show();
+        setup = OpmPageProbe::setupTab(main.get());
+        for (int waited = 0; !isReading(OpmPageProbe::reading(setup)) && waited < kWaitMs;
+             waited += 10)
+            QTest::qWait(10);
+        return isReading(OpmPageProbe::reading(setup)) && fx.root.readersSettleAt(1);
+    }
+    OpmShareRecord* record() { return fx.reader.record(); }
+
+    PageFixture fx { QByteArray(), false };
+    std::unique_ptr<COpmMainPage> main;
+    NerioOpm* setup = nullptr;
+};
+
 const QString kSettingFile = "/home/Setting/opmSetup.conf";
 const QString kReport = "/home/brova/brova-rslt/opm/route-7.html";
 
@@ -130,10 +163,66 @@ QByteArray timeless(QByteArray report)
 
 } // namespace
 
-class TestFileFaults : public QObject
+class TestFaults : public QObject
 {
     Q_OBJECT
 private slots:
+    void readerKilled_data()
+    {
+        // flag: what the reader leaves in the record
+        addColumns<int, int, QString>("signal flag colour");
+        QTest::newRow("SIGKILL: its last reading stays") << int(SIGKILL) << 1 << "black";
+        QTest::newRow("SIGTERM: it says no reading") << int(SIGTERM) << 0 << "red";
+    }
+    // The page keeps polling and shows what the record was left holding: the last reading, or,
+    // when the reader ended saying there is none, the last text in red.
+    void readerKilled()
+    {
+        QFETCH(int, signal);
+        QFETCH(int, flag);
+        QFETCH(QString, colour);
+        LivePage live;
+        QVERIFY(live.start());
+
+        QVERIFY(live.record()->pid > 0);
+        QCOMPARE(::kill(pid_t(live.record()->pid), signal), 0);
+        QVERIFY(live.fx.root.readersSettleAt(0));
+        QCOMPARE(live.record()->flag, flag);
+
+        QSignalSpy ticks(P::timer(live.setup), SIGNAL(timeout()));
+        OPM_TRY_VERIFY(ticks.count() >= 1, kWaitMs);
+        const QString label = P::reading(live.setup);
+        OPM_TRY_VERIFY(ticks.count() >= 3, kWaitMs);
+        QCOMPARE(P::reading(live.setup), label);
+        QVERIFY2(isReading(label), qPrintable(label));
+        QCOMPARE(P::readingColour(live.setup), colour);
+        QCOMPARE(P::timer(live.setup)->interval(), 1000);
+        QCOMPARE(live.fx.closer.count(), 0);
+    }
+    // The plug-in's start kills the reader and starts another: the page follows the new one, which
+    // in turn follows the page's choice of wavelength; the reader's save key saves its reading.
+    void readerRestarted()
+    {
+        LivePage live;
+        QVERIFY(live.start());
+        const int32_t first = live.record()->pid;
+        live.main->enterInit();
+        OPM_TRY_VERIFY(live.record()->pid != first && live.record()->flag == OpmFlagReading,
+                       kWaitMs);
+        QVERIFY(live.fx.root.readersSettleAt(1));
+
+        P::choose(live.setup, P::Wave, 3);
+        OPM_TRY_COMPARE(P::waveLength(live.setup), 3, kWaitMs);
+        // A tick may catch the reader between its wavelength and its value; a later one shows the
+        // single-mode reading.
+        OPM_TRY_VERIFY(QRegExp("-[3-7]\\.\\d{3} dBm").exactMatch(P::reading(live.setup)), kWaitMs);
+
+        QCOMPARE(::kill(pid_t(live.record()->pid), SIGUSR1), 0);
+        OPM_TRY_COMPARE(PageFixture::stored(), 1, kWaitMs);
+        QCOMPARE(CBrovaOpmDataEngine::getSingleInstance()->getLastResultItem().waveLenth, "1550");
+        OPM_TRY_COMPARE(live.record()->needSave, 0, kWaitMs);
+        QCOMPARE(live.fx.closer.count(), 0);
+    }
     void settingsLost_data()
     {
         // atStart: else while the page runs
@@ -177,7 +266,6 @@ private slots:
         StdoutCapture capture;
         if (atStart)
             fx.buildPage();
-        using P = OpmPageProbe;
         P::choose(fx.page, P::Wave, 3);
         P::click(fx.page, P::MW);
         fx.show("1550", "-12.347");
@@ -282,7 +370,7 @@ private:
     bool save(const TestDeviceRoot& root, const QString& file, int at = 0);
 };
 
-bool TestFileFaults::save(const TestDeviceRoot& root, const QString& file, int at)
+bool TestFaults::save(const TestDeviceRoot& root, const QString& file, int at)
 {
     const QByteArray dir = QFile::encodeName(QFileInfo(root.file(file)).path());
     qstrncpy(g_dir, dir.constData(), sizeof g_dir);
@@ -309,5 +397,5 @@ bool TestFileFaults::save(const TestDeviceRoot& root, const QString& file, int a
     return killed;
 }
 
-QTEST_MAIN(TestFileFaults)
-#include "tst_filefaults.moc"
+QTEST_MAIN(TestFaults)
+#include "tst_faults.moc"
