@@ -149,7 +149,7 @@
     </message>
     <message>
         <source>Loss Meter   Hold</source>
-        <translation>Dämpfungsmesser   Halten</translation>
+        <translation>Dämpfung   Halten</translation>
     </message>
     <message>
         <source>OK</source>

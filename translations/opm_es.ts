@@ -149,7 +149,7 @@
     </message>
     <message>
         <source>Loss Meter   Hold</source>
-        <translation>Medidor de pérdidas   Retenido</translation>
+        <translation>Pérdidas   Retenido</translation>
     </message>
     <message>
         <source>OK</source>

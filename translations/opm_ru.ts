@@ -145,11 +145,11 @@
     </message>
     <message>
         <source>Optical Power       	      Hold</source>
-        <translation>Оптическая мощность       	      Удерж.</translation>
+        <translation>Опт. мощность       	      Удерж.</translation>
     </message>
     <message>
         <source>Loss Meter   Hold</source>
-        <translation>Измеритель потерь   Удерж.</translation>
+        <translation>Потери   Удерж.</translation>
     </message>
     <message>
         <source>OK</source>

@@ -109,9 +109,8 @@ private slots:
         main->setGeometry(141, 61, 658, 398);
         screen.show();
         NerioOpm* page = P::setupTab(main);
-        // The power meter in each unit on hold (the longer title, which a tick shows), then the
-        // loss meter with its limits in dB/km (with a length), running: its held title is wider
-        // than the title's label in de, es and ru.
+        // On hold (the longer titles, which a tick shows): the power meter in each unit, then the
+        // loss meter with its limits in dB/km (with a length).
         P::click(page, P::Hold);
         const P::Button units[] = { P::MW, P::UW, P::DBm };
         for (int i = 0; i < 3; ++i) {
@@ -119,7 +118,6 @@ private slots:
             P::tick(page);
             check(page);
         }
-        P::click(page, P::Hold);
         P::choose(page, P::Mode, 1);
         P::click(page, P::Limits);
         P::choose(page, P::LossUnit, 1);
