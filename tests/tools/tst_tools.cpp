@@ -213,7 +213,8 @@ private slots:
         QFETCH(QString, said);
         QFETCH(int, status);
         QProcess* check = m_checks.value(QTest::currentDataTag());
-        QVERIFY(check->waitForFinished(120000));
+        // Already done when an earlier test ran the event loop.
+        QVERIFY(check->state() == QProcess::NotRunning || check->waitForFinished(120000));
         const QString output =
             QString::fromLocal8Bit(check->readAllStandardOutput() + check->readAllStandardError());
         // The summary first: when a verdict is wrong, the whole output is in the message.
