@@ -2,8 +2,9 @@
 // window is first painted and when a label first shows a reading, prints one line with both
 // times, the peak resident size and the widget count, and quits. The product and demo builds
 // never contain it. With OPM_BENCH_STOP_AT_FIRST_PAINT set it reports and quits after the first
-// paint pass instead, so that callgrind counts the instructions of the start-up alone. Qt 5 runs it at the application's start-up; Qt 4 has no such hook, so there
-// it joins at the first event the application delivers (a plug-in's when it is loaded).
+// paint pass instead, so that callgrind counts the instructions of the start-up alone. Qt 5
+// runs it at the application's start-up; Qt 4 has no such hook, so there it joins at the first
+// event the application delivers (a plug-in's when it is loaded).
 #include <QApplication>
 #include <QEvent>
 #include <QFile>

@@ -1,15 +1,14 @@
 // Faults the page survives. The power reader going away while the page runs: the simulated one,
 // installed at the reader's path of the test's own root and started by the main page as the set
-// starts it. The files the page keeps unusable or cut short: the settings file and folder: unusable at the
-// start or taken away while the page runs. A crash or a power cut at every step of a save: the
-// setup's save at the start and a report export, each made once whole and then once per step in
-// a child of this process that is ended with SIGKILL at that step; what they leave is then read
-// as the next start or the operator would. The steps are the writes, fsyncs and renames below
-// the folder the save goes into, taken here: this program's own write(), fsync() and rename()
-// stand before the C library's for the product code and for Qt. The report's writes go through
-// stdio, which calls the library's own write(): they are not steps, and a report written under
-// its own name is still told by the crash at its fsync, which leaves the new report where the old
-// one must still be. An export that cannot be made.
+// starts it. The settings file and its folder unusable at the start or taken away while the page
+// runs. A crash or a power cut at every step of a save: the setup's save at the start and a report
+// export, each made once whole and then once per step in a child of this process that is ended with
+// SIGKILL at that step; what they leave is then read as the next start or the operator would. The
+// steps are the writes, fsyncs and renames below the folder the save goes into, taken here: this
+// program's own write(), fsync() and rename() stand before the C library's for the product code and
+// for Qt. The report's writes go through stdio, which calls the library's own write(): they are not
+// steps, and a report written under its own name is still told by the crash at its fsync, which
+// leaves the new report where the old one must still be. An export that cannot be made.
 #include "opm.h"
 #include "opmDataEngine.h"
 #include "opmPageProbe.h"
